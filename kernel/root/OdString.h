@@ -1,0 +1,124 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+
+// A Unicode text. Stored as wide characters (one code point each on this platform), so
+// indexes and lengths count code points. Narrow text given without a code page is UTF-8.
+//
+// Comparison comes in three strengths:
+//  - compare: code point order, exact;
+//  - iCompare: case-insensitive for all of Unicode (full case folding: "Straße" equals
+//    "STRASSE", "Ω" equals "ω");
+//  - collate / iCollate: the user's locale collation order, for sorting names as a user
+//    expects ("a" < "B" < "c", "é" next to "e").
+// Code-page conversion names a code page as ICU knows it ("windows-1252", "cp936",
+// "ibm-943_P15A-2003", "UTF-8"); an unknown name throws OdError(eUnknownCodePage).
+class OdString {
+ public:
+  OdString() = default;
+  OdString(const wchar_t* text);  // null gives the empty string
+  OdString(const wchar_t* text, int length);
+  OdString(std::wstring text) : text_(std::move(text)) {}
+  OdString(std::wstring_view text) : text_(text) {}
+  OdString(const char* utf8);  // null gives the empty string; invalid bytes become U+FFFD
+  OdString(const std::string& utf8);
+  OdString(wchar_t ch, int repeat);
+
+  static OdString fromUtf8(std::string_view utf8);
+  std::string toUtf8() const;
+  // Decodes bytes in the given code page.
+  static OdString fromCodePage(std::string_view bytes, const char* codePage);
+  // Encodes in the given code page. Characters the code page lacks become its substitute
+  // character; `lossless`, when given, says whether every character was representable.
+  std::string toCodePage(const char* codePage, bool* lossless = nullptr) const;
+
+  // printf-style formatting with a wide format: %ls takes const wchar_t*, %s takes a
+  // narrow const char*, as the C library's wide printf does on this platform.
+  static OdString format(const wchar_t* fmt, ...);
+  // The same with a UTF-8 format; %s takes UTF-8 text.
+  static OdString format(const char* fmt, ...);
+
+  const wchar_t* c_str() const noexcept { return text_.c_str(); }
+  operator const wchar_t*() const noexcept { return text_.c_str(); }
+  const std::wstring& str() const noexcept { return text_; }
+  int getLength() const noexcept { return static_cast<int>(text_.size()); }
+  bool isEmpty() const noexcept { return text_.empty(); }
+  void empty() noexcept { text_.clear(); }
+  // Unchecked like operator[] of the standard library; getAt checks and throws
+  // OdError_InvalidIndex.
+  wchar_t operator[](int index) const { return text_[static_cast<std::size_t>(index)]; }
+  wchar_t getAt(int index) const;
+
+  int compare(const OdString& other) const noexcept;  // <0, 0, >0
+  int iCompare(const OdString& other) const;
+  int collate(const OdString& other) const;
+  int iCollate(const OdString& other) const;
+
+  // Position of the first occurrence at or after `start`, or -1.
+  int find(const OdString& what, int start = 0) const noexcept;
+  int find(wchar_t ch, int start = 0) const noexcept;
+  int reverseFind(wchar_t ch) const noexcept;
+  // Substrings clamp their arguments to the text, as callers slicing names expect.
+  OdString mid(int start, int count = -1) const;
+  OdString left(int count) const;
+  OdString right(int count) const;
+  OdString& makeUpper();  // full Unicode case mapping
+  OdString& makeLower();
+  OdString& trimLeft();
+  OdString& trimRight();
+  // Replaces every occurrence; returns how many were replaced.
+  int replace(const OdString& what, const OdString& with);
+  OdString& deleteChars(int index, int count = 1);
+  OdString& insert(int index, const OdString& text);
+
+  OdString& operator+=(const OdString& other) {
+    text_ += other.text_;
+    return *this;
+  }
+  OdString& operator+=(wchar_t ch) {
+    text_ += ch;
+    return *this;
+  }
+  friend OdString operator+(OdString a, const OdString& b) { return a += b; }
+  friend bool operator==(const OdString& a, const OdString& b) noexcept {
+    return a.text_ == b.text_;
+  }
+  friend bool operator==(const OdString& a, const wchar_t* b) noexcept {
+    return b ? a.text_ == b : a.text_.empty();
+  }
+  friend bool operator<(const OdString& a, const OdString& b) noexcept { return a.text_ < b.text_; }
+
+ private:
+  std::wstring text_;
+};
+
+template <>
+struct std::hash<OdString> {
+  std::size_t operator()(const OdString& s) const noexcept { return std::hash<std::wstring>()(s.str()); }
+};
+
+// A narrow text in some code page that only its owner knows. Kept as bytes.
+class OdAnsiString {
+ public:
+  OdAnsiString() = default;
+  OdAnsiString(const char* text) : text_(text ? text : "") {}
+  OdAnsiString(std::string text) : text_(std::move(text)) {}
+
+  const char* c_str() const noexcept { return text_.c_str(); }
+  operator const char*() const noexcept { return text_.c_str(); }
+  const std::string& str() const noexcept { return text_; }
+  int getLength() const noexcept { return static_cast<int>(text_.size()); }
+  bool isEmpty() const noexcept { return text_.empty(); }
+  // ASCII-only case-insensitive byte comparison, as for names whose code page is unknown.
+  int iCompare(const OdAnsiString& other) const noexcept;
+
+  friend bool operator==(const OdAnsiString& a, const OdAnsiString& b) noexcept {
+    return a.text_ == b.text_;
+  }
+
+ private:
+  std::string text_;
+};

@@ -1,0 +1,91 @@
+#pragma once
+
+// Helpers shared by the test folders: running the built programs as a user runs them, and
+// finding the shared corpus of real drawings.
+
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdlib>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace testsupport {
+
+struct ProcessResult {
+  int exitCode = -1;  // -1 when the process did not exit normally (a crash)
+  std::string output;  // standard output and standard error together
+};
+
+// Runs a shell command line and collects what it prints.
+inline ProcessResult runCommand(const std::string& commandLine) {
+  ProcessResult result;
+  FILE* pipe = popen((commandLine + " 2>&1").c_str(), "r");
+  if (!pipe) return result;
+  std::array<char, 65536> buffer{};
+  while (size_t n = fread(buffer.data(), 1, buffer.size(), pipe)) result.output.append(buffer.data(), n);
+  int status = pclose(pipe);
+  result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return result;
+}
+
+// Quotes one argument for the shell.
+inline std::string shellQuote(const std::string& arg) {
+  std::string quoted = "'";
+  for (char c : arg) quoted += (c == '\'') ? std::string("'\\''") : std::string(1, c);
+  return quoted + "'";
+}
+
+// Runs the built stcheck with the given arguments (each quoted).
+inline ProcessResult runStcheck(const std::vector<std::string>& args) {
+  std::string line = shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
+  for (const auto& a : args) line += " " + shellQuote(a);
+  return runCommand(line);
+}
+
+// The corpus folder, or an empty path when it is absent (tests then skip and say so).
+inline std::filesystem::path corpusDir() {
+  std::filesystem::path dir(STAUDIT_CORPUS_DIR);
+  return std::filesystem::is_directory(dir) ? dir : std::filesystem::path();
+}
+
+// Every .dxf of the corpus, sorted by name.
+inline std::vector<std::filesystem::path> corpusDrawings() {
+  std::vector<std::filesystem::path> files;
+  auto dir = corpusDir();
+  if (dir.empty()) return files;
+  for (const auto& entry : std::filesystem::directory_iterator(dir)) {
+    auto ext = entry.path().extension().string();
+    for (auto& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    if (ext == ".dxf") files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+// A fresh temporary folder removed when the object goes.
+class TempDir {
+ public:
+  TempDir() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "staudit-XXXXXX").string();
+    std::vector<char> buf(pattern.begin(), pattern.end());
+    buf.push_back('\0');
+    path_ = mkdtemp(buf.data());
+  }
+  ~TempDir() {
+    std::error_code ec;
+    std::filesystem::remove_all(path_, ec);
+  }
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace testsupport
