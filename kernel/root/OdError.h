@@ -15,9 +15,11 @@ class OdError : public std::exception {
   explicit OdError(OdResult code);
   OdError(OdResult code, const OdString& message);
   OdError(OdResult code, std::string utf8Message);
+  OdError(OdResult code, const char* utf8Message);  // null or "" as for no message
 
   OdResult code() const noexcept { return code_; }
-  // The message, or the code's name when none was given.
+  // The message; when none was given, a lower-case description of the code
+  // (odResultMessage: "key not found").
   OdString description() const;
   // The message as UTF-8.
   const char* what() const noexcept override { return message_.c_str(); }
@@ -38,4 +40,6 @@ class OdError_NotThatKindOfClass : public OdError {
 class OdError_InvalidIndex : public OdError {
  public:
   OdError_InvalidIndex();
+  // Says which index was asked for and how many elements there are.
+  OdError_InvalidIndex(long long index, long long size);
 };

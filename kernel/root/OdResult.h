@@ -36,5 +36,10 @@ enum OdResult : int {
   eNotInitializedYet = 255,  // a run-time class used before it was registered
 };
 
-// A short English name of the code ("eOk", "eKeyNotFound", ...), never null.
+// The enumerator's name of the code ("eOk", "eKeyNotFound", ...); "eUnknownResult" for a
+// number that is not listed here. Never null; the text is static.
 const char* odResultName(OdResult code);
+
+// A short lower-case description of the code ("key not found"), used as an error's
+// message when none more precise was given. Never null; the text is static.
+const char* odResultMessage(OdResult code);

@@ -55,7 +55,15 @@ class OdString {
   int compare(const OdString& other) const noexcept;  // <0, 0, >0
   int iCompare(const OdString& other) const;
   int collate(const OdString& other) const;
-  int iCollate(const OdString& other) const;
+  int iCollate(const OdString& other) const;  // accents count, case does not
+
+  // The locale of collate / iCollate, for every thread. By default it comes from the
+  // environment (LC_ALL, then LC_COLLATE, then LANG; "C" and "POSIX" mean the root
+  // collation, which already sorts "a" < "B" < "c" and "e" < "é" < "f"). A name such as
+  // "de_DE", "sv-SE" or "de_DE.UTF-8" overrides it; null or "" returns to the environment.
+  static void setCollationLocale(const char* localeName);
+  // The ICU name of the collation locale in effect ("de_DE", "root").
+  static std::string collationLocale();
 
   // Position of the first occurrence at or after `start`, or -1.
   int find(const OdString& what, int start = 0) const noexcept;
@@ -97,7 +105,9 @@ class OdString {
 
 template <>
 struct std::hash<OdString> {
-  std::size_t operator()(const OdString& s) const noexcept { return std::hash<std::wstring>()(s.str()); }
+  std::size_t operator()(const OdString& s) const noexcept {
+    return std::hash<std::wstring>()(s.str());
+  }
 };
 
 // A narrow text in some code page that only its owner knows. Kept as bytes.
