@@ -59,8 +59,9 @@ class OdString {
 
   // The locale of collate / iCollate, for every thread. By default it comes from the
   // environment (LC_ALL, then LC_COLLATE, then LANG; "C" and "POSIX" mean the root
-  // collation, which already sorts "a" < "B" < "c" and "e" < "é" < "f"). A name such as
-  // "de_DE", "sv-SE" or "de_DE.UTF-8" overrides it; null or "" returns to the environment.
+  // collation, which already sorts "a" < "B" < "c" and "e" < "é" < "f"), read at the first
+  // comparison. A name such as "de_DE", "sv-SE" or "de_DE.UTF-8" overrides it; null or ""
+  // returns to the environment and reads it again.
   static void setCollationLocale(const char* localeName);
   // The ICU name of the collation locale in effect ("de_DE", "root").
   static std::string collationLocale();
