@@ -1,0 +1,371 @@
+#include "DxfReader.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <limits>
+
+#include "DxfGroupCode.h"
+#include "OdError.h"
+
+namespace {
+
+// The format's own constant that opens every binary file.
+constexpr std::string_view kBinarySentinel("AutoCAD Binary DXF\r\n\x1a\0", 22);
+
+constexpr std::string_view kUtf8Bom("\xEF\xBB\xBF");
+
+// Text of a bad line for a message: printable ASCII kept, other bytes as \xNN, cut short.
+std::string quoteForMessage(std::string_view text) {
+  std::string out = "'";
+  std::size_t shown = 0;
+  for (unsigned char c : text) {
+    if (++shown > 40) {
+      out += "...";
+      break;
+    }
+    if (c >= 0x20 && c < 0x7F && c != '\'') {
+      out.push_back(static_cast<char>(c));
+    } else {
+      static const char kDigits[] = "0123456789abcdef";
+      out += "\\x";
+      out.push_back(kDigits[c >> 4]);
+      out.push_back(kDigits[c & 15]);
+    }
+  }
+  return out + "'";
+}
+
+std::string_view trimBlanks(std::string_view s) {
+  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
+  while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r'))
+    s.remove_suffix(1);
+  return s;
+}
+
+const char* typeName(DxfValueType type) {
+  switch (type) {
+    case DxfValueType::kInt16:
+      return "a 16-bit integer";
+    case DxfValueType::kInt32:
+      return "a 32-bit integer";
+    case DxfValueType::kInt64:
+      return "a 64-bit integer";
+    case DxfValueType::kBool:
+      return "a boolean (0-255)";
+    default:
+      return "an integer";
+  }
+}
+
+std::string readWholeFile(const std::filesystem::path& path) {
+  const std::string name = path.string();
+  int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) {
+    int err = errno;
+    if (err == ENOENT) throw OdError(eFileNotFound, name + ": no such file");
+    throw OdError(eFileAccessError, "cannot open " + name + ": " + std::strerror(err));
+  }
+  struct FdCloser {
+    int fd;
+    ~FdCloser() { ::close(fd); }
+  } closer{fd};
+  struct stat info {};
+  if (::fstat(fd, &info) != 0)
+    throw OdError(eFileAccessError, "cannot read " + name + ": " + std::strerror(errno));
+  if (S_ISDIR(info.st_mode))
+    throw OdError(eFileAccessError, "cannot read " + name + ": it is a folder");
+  if (static_cast<std::uint64_t>(info.st_size) > std::numeric_limits<std::uint32_t>::max())
+    throw OdError(eBadDxfFile, name + ": files of 4 GB and more are not supported");
+  std::string bytes(static_cast<std::size_t>(info.st_size), '\0');
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    ssize_t n = ::read(fd, bytes.data() + done, bytes.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) throw OdError(eFileAccessError, "cannot read " + name + ": " + std::strerror(errno));
+    if (n == 0) break;  // the file shrank while being read: parse what is there
+    done += static_cast<std::size_t>(n);
+  }
+  bytes.resize(done);
+  return bytes;
+}
+
+}  // namespace
+
+std::unique_ptr<DxfDocument> DxfReader::readFile(const std::filesystem::path& path) {
+  return readBuffer(readWholeFile(path), path.string());
+}
+
+std::unique_ptr<DxfDocument> DxfReader::readBuffer(std::string bytes, std::string name) {
+  if (bytes.size() > std::numeric_limits<std::uint32_t>::max())
+    throw OdError(eBadDxfFile, name + ": files of 4 GB and more are not supported");
+  auto doc = std::make_unique<DxfDocument>(std::move(name), std::move(bytes));
+  DxfReader reader(*doc);
+  reader.parse();
+  return doc;
+}
+
+void DxfReader::failAt(std::size_t offset, int code, const std::string& what) const {
+  std::string_view bytes = doc_.bytes();
+  std::string where;
+  if (doc_.layout_.format == DxfFormat::kBinary) {
+    where = "byte offset " + std::to_string(offset);
+  } else {
+    offset = std::min(offset, bytes.size());
+    std::size_t line = 1;
+    for (const char* p = bytes.data();
+         (p = static_cast<const char*>(std::memchr(p, '\n', bytes.data() + offset - p))); ++p)
+      ++line;
+    where = "line " + std::to_string(line);
+  }
+  if (code != std::numeric_limits<int>::min()) where += ", group code " + std::to_string(code);
+  throw OdError(eBadDxfFile, doc_.fileName() + ": " + where + ": " + what);
+}
+
+void DxfReader::parse() {
+  std::string_view bytes = doc_.bytes();
+  constexpr int kNoCode = std::numeric_limits<int>::min();
+  if (bytes.empty()) failAt(0, kNoCode, "the file is empty");
+  if (bytes.substr(0, 4) == "AC10")
+    throw OdError(eDwgNotSupported,
+                  doc_.fileName() +
+                      ": this is a DWG drawing, and DWG is not read yet; save the drawing as DXF "
+                      "and use that file");
+  if (bytes.substr(0, kBinarySentinel.size()) == kBinarySentinel) {
+    doc_.layout_.format = DxfFormat::kBinary;
+    parseBinary();
+  } else if (bytes.substr(0, 18) == "AutoCAD Binary DXF") {
+    failAt(0, kNoCode, "the binary DXF sentinel is damaged (it must end with CR LF SUB NUL)");
+  } else {
+    parseAscii();
+  }
+  if (!sawEof_) failAt(bytes.size(), kNoCode, "unexpected end of file: the file has no 0/EOF");
+  buildStructure();
+  readHeaderVersion();
+}
+
+void DxfReader::addTag(int code, std::size_t valueBegin, std::size_t valueEnd, std::uint8_t flags) {
+  DxfTag tag;
+  tag.offset = static_cast<std::uint32_t>(valueBegin);
+  tag.length = static_cast<std::uint32_t>(valueEnd - valueBegin);
+  tag.code = static_cast<std::int16_t>(code);
+  tag.flags = flags;
+  doc_.tags_.push_back(tag);
+}
+
+void DxfReader::startObject(std::size_t byteBegin) {
+  objects_.push_back(
+      {static_cast<std::uint32_t>(doc_.tags_.size()), 0, static_cast<std::uint32_t>(byteBegin), 0});
+}
+
+void DxfReader::finishObject(std::size_t byteEnd) {
+  if (objects_.empty()) return;
+  ObjectRange& last = objects_.back();
+  last.count = static_cast<std::uint32_t>(doc_.tags_.size()) - last.firstTag;
+  last.byteEnd = static_cast<std::uint32_t>(byteEnd);
+  if (last.count == 0) objects_.pop_back();
+}
+
+void DxfReader::parseAscii() {
+  const char* base = doc_.bytes().data();
+  const std::size_t size = doc_.bytes().size();
+  std::size_t p = doc_.bytes().substr(0, 3) == kUtf8Bom ? 3 : 0;
+  doc_.preambleEnd_ = static_cast<std::uint32_t>(p);
+
+  // The layout of the first code line is the layout of the file.
+  if (const char* nl = static_cast<const char*>(std::memchr(base + p, '\n', size - p))) {
+    std::size_t lineEnd = static_cast<std::size_t>(nl - base);
+    doc_.layout_.crlf = lineEnd > p && base[lineEnd - 1] == '\r';
+    std::string_view first(base + p, lineEnd - p - (doc_.layout_.crlf ? 1 : 0));
+    if (!first.empty() && first.front() == ' ')
+      doc_.layout_.codeWidth = static_cast<int>(first.size());
+  }
+
+  doc_.tags_.reserve(size / 16 + 16);
+  objects_.reserve(size / 256 + 16);
+  startObject(p);
+  while (p < size) {
+    const std::size_t codeBegin = p;
+    const char* nl = static_cast<const char*>(std::memchr(base + p, '\n', size - p));
+    const char* s = base + p;
+    const char* e = nl ? nl : base + size;
+    if (e > s && e[-1] == '\r') --e;
+    std::string_view codeText(s, static_cast<std::size_t>(e - s));
+    while (s < e && (*s == ' ' || *s == '\t')) ++s;
+    while (e > s && (e[-1] == ' ' || e[-1] == '\t')) --e;
+    bool negative = s < e && *s == '-';
+    if (negative) ++s;
+    if (s == e || e - s > 5)
+      failAt(codeBegin, std::numeric_limits<int>::min(),
+             quoteForMessage(codeText) + " is not a group code");
+    int code = 0;
+    for (; s < e; ++s) {
+      unsigned digit = static_cast<unsigned char>(*s) - static_cast<unsigned>('0');
+      if (digit > 9)
+        failAt(codeBegin, std::numeric_limits<int>::min(),
+               quoteForMessage(codeText) + " is not a group code");
+      code = code * 10 + static_cast<int>(digit);
+    }
+    if (negative) code = -code;
+    const DxfValueType type = DxfGroupCode::valueType(code);
+    if (type == DxfValueType::kUnknown) failAt(codeBegin, code, "unknown group code");
+    if (!nl) failAt(codeBegin, code, "unexpected end of file: the value line is missing");
+
+    const std::size_t valueBegin = static_cast<std::size_t>(nl - base) + 1;
+    const char* vnl =
+        static_cast<const char*>(std::memchr(base + valueBegin, '\n', size - valueBegin));
+    std::size_t valueEnd = vnl ? static_cast<std::size_t>(vnl - base) : size;
+    const std::size_t next = vnl ? valueEnd + 1 : size;
+    if (!vnl && valueBegin == size)
+      failAt(valueBegin, code, "unexpected end of file: the value line is missing");
+    if (valueEnd > valueBegin && base[valueEnd - 1] == '\r') --valueEnd;
+    std::string_view value(base + valueBegin, valueEnd - valueBegin);
+
+    if (type != DxfValueType::kString) {
+      if (DxfGroupCode::isInteger(type)) {
+        std::int64_t number = 0;
+        if (!DxfGroupCode::parseInteger(value, number))
+          failAt(valueBegin, code, "value " + quoteForMessage(value) + " is not an integer");
+        if (number < DxfGroupCode::minInteger(type) || number > DxfGroupCode::maxInteger(type))
+          failAt(valueBegin, code,
+                 "value " + std::to_string(number) + " is out of range for " + typeName(type));
+      } else if (type == DxfValueType::kDouble) {
+        double number = 0;
+        if (!DxfGroupCode::parseReal(value, number))
+          failAt(valueBegin, code, "value " + quoteForMessage(value) + " is not a number");
+      } else if (!DxfGroupCode::parseHex(value, nullptr)) {
+        failAt(valueBegin, code, "value " + quoteForMessage(value) + " is not hex data");
+      }
+    }
+
+    if (code == 0) {
+      finishObject(codeBegin);
+      startObject(codeBegin);
+    }
+    addTag(code, valueBegin, valueEnd, 0);
+    p = next;
+    if (code == 0 && trimBlanks(value) == "EOF") {
+      finishObject(next);
+      sawEof_ = true;
+      doc_.trailerBegin_ = static_cast<std::uint32_t>(next);
+      return;
+    }
+  }
+}
+
+void DxfReader::parseBinary() {
+  const unsigned char* base = reinterpret_cast<const unsigned char*>(doc_.bytes().data());
+  const std::size_t size = doc_.bytes().size();
+  std::size_t p = kBinarySentinel.size();
+  doc_.preambleEnd_ = static_cast<std::uint32_t>(p);
+  constexpr int kNoCode = std::numeric_limits<int>::min();
+  if (size < p + 2) failAt(p, kNoCode, "unexpected end of file after the binary sentinel");
+
+  // From R13 group codes take two bytes; before, one byte with 255 escaping a 2-byte code.
+  // The first tag tells: it is "0 SECTION" (or a comment, 999) in either layout.
+  bool twoByte = base[p] != 255 && (base[p + 1] == 0 || (base[p] == 0xE7 && base[p + 1] == 0x03));
+  doc_.layout_.twoByteCodes = twoByte;
+
+  doc_.tags_.reserve(size / 12 + 16);
+  objects_.reserve(size / 200 + 16);
+  startObject(p);
+  while (p < size) {
+    const std::size_t tagBegin = p;
+    int code = 0;
+    if (twoByte || base[p] == 255) {
+      if (!twoByte) ++p;
+      if (size - p < 2) failAt(tagBegin, kNoCode, "unexpected end of file inside a group code");
+      code = static_cast<std::int16_t>(base[p] | (base[p + 1] << 8));
+      p += 2;
+    } else {
+      code = base[p++];
+    }
+    const DxfValueType type = DxfGroupCode::valueType(code);
+    std::size_t valueBegin = p;
+    std::size_t valueEnd = p;
+    switch (type) {
+      case DxfValueType::kUnknown:
+        failAt(tagBegin, code, "unknown group code (the file is damaged or not binary DXF)");
+      case DxfValueType::kString: {
+        const void* nul = std::memchr(base + p, 0, size - p);
+        if (!nul) failAt(tagBegin, code, "unexpected end of file inside a string value");
+        valueEnd = static_cast<std::size_t>(static_cast<const unsigned char*>(nul) - base);
+        p = valueEnd + 1;
+        break;
+      }
+      case DxfValueType::kBinary: {
+        if (p >= size) failAt(tagBegin, code, "unexpected end of file before a binary chunk");
+        std::size_t length = base[p];
+        if (size - p - 1 < length)
+          failAt(tagBegin, code,
+                 "binary chunk of " + std::to_string(length) + " bytes runs past the end of file");
+        valueBegin = p + 1;
+        valueEnd = valueBegin + length;
+        p = valueEnd;
+        break;
+      }
+      default: {
+        std::size_t length = static_cast<std::size_t>(DxfGroupCode::binarySize(type));
+        if (size - p < length) failAt(tagBegin, code, "unexpected end of file inside a value");
+        valueEnd = p + length;
+        p = valueEnd;
+        break;
+      }
+    }
+    if (code == 0) {
+      finishObject(tagBegin);
+      startObject(tagBegin);
+    }
+    addTag(code, valueBegin, valueEnd, DxfTag::kBinaryForm);
+    if (code == 0 && valueEnd - valueBegin == 3 && std::memcmp(base + valueBegin, "EOF", 3) == 0) {
+      finishObject(p);
+      sawEof_ = true;
+      doc_.trailerBegin_ = static_cast<std::uint32_t>(p);
+      return;
+    }
+  }
+}
+
+void DxfReader::buildStructure() {
+  DxfSection* current = nullptr;
+  bool inTail = false;
+  // The last object is "0 EOF".
+  const std::size_t count = objects_.size() - 1;
+  for (std::size_t i = 0; i < count; ++i) {
+    const ObjectRange& r = objects_[i];
+    DxfObject object(doc_, r.firstTag, r.count, r.byteBegin, r.byteEnd);
+    std::string_view type = object.type();
+    if (type == "SECTION") {
+      std::size_t nameAt = object.find(2);
+      std::string name(nameAt == DxfObject::npos ? std::string_view()
+                                                 : trimBlanks(object.rawValue(nameAt)));
+      doc_.sections_.push_back(std::make_unique<DxfSection>(std::move(name), std::move(object)));
+      current = doc_.sections_.back().get();
+      inTail = false;
+    } else if (!current) {
+      doc_.prologue_.push_back(std::move(object));
+    } else if (inTail || type == "ENDSEC") {
+      current->tail().push_back(std::move(object));
+      inTail = true;
+    } else {
+      current->objects().push_back(std::move(object));
+    }
+  }
+  const ObjectRange& eof = objects_.back();
+  doc_.eof_ =
+      std::make_unique<DxfObject>(doc_, eof.firstTag, eof.count, eof.byteBegin, eof.byteEnd);
+  objects_ = {};
+}
+
+void DxfReader::readHeaderVersion() {
+  auto first = [&](std::string_view name) -> std::string {
+    auto values = doc_.headerVariable(name);
+    if (values.empty() || DxfGroupCode::valueType(values.front().code) != DxfValueType::kString)
+      return {};
+    return std::string(doc_.rawValue(values.front()));
+  };
+  doc_.setVersion(first("$ACADVER"), first("$DWGCODEPAGE"));
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "DxfDocument.h"
+
+// Reads a DXF file, ASCII or binary (recognised by its first bytes), of any version, into a
+// DxfDocument that keeps every tag as it was read.
+//
+// The whole file is read into one buffer and tags refer into it; numeric values are checked
+// while reading, so a document that loads has no malformed numbers. Every failure is one
+// OdError:
+//  - eFileNotFound / eFileAccessError: the file cannot be opened or read;
+//  - eDwgNotSupported: the file is a DWG drawing;
+//  - eBadDxfFile: the content is not well-formed DXF. The message names the file, the line
+//    (ASCII) or byte offset (binary) and the group code, and says what is wrong.
+// Malformed input never crashes, hangs or makes the reader allocate more than a small
+// multiple of the input size.
+class DxfReader {
+ public:
+  static std::unique_ptr<DxfDocument> readFile(const std::filesystem::path& path);
+  // Parses `bytes`, the content of a file; `name` stands for the file in error messages.
+  static std::unique_ptr<DxfDocument> readBuffer(std::string bytes, std::string name);
+
+ private:
+  explicit DxfReader(DxfDocument& doc) : doc_(doc) {}
+  void parse();
+  void parseAscii();
+  void parseBinary();
+  void buildStructure();
+  void readHeaderVersion();
+  [[noreturn]] void failAt(std::size_t offset, int code, const std::string& what) const;
+
+  void addTag(int code, std::size_t valueBegin, std::size_t valueEnd, std::uint8_t flags);
+  void startObject(std::size_t byteBegin);
+  void finishObject(std::size_t byteEnd);
+
+  struct ObjectRange {
+    std::uint32_t firstTag;
+    std::uint32_t count;
+    std::uint32_t byteBegin;
+    std::uint32_t byteEnd;
+  };
+
+  DxfDocument& doc_;
+  std::vector<ObjectRange> objects_;
+  bool sawEof_ = false;
+};

@@ -1,0 +1,291 @@
+#include "DxfWriter.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+
+#include "DxfGroupCode.h"
+#include "OdError.h"
+
+namespace {
+
+// The format's own constant that opens every binary file.
+constexpr std::string_view kBinarySentinel("AutoCAD Binary DXF\r\n\x1a\0", 22);
+
+// Writes of at least this size bypass the buffer.
+constexpr std::size_t kDirectWrite = std::size_t(1) << 16;
+constexpr std::size_t kBufferSize = std::size_t(1) << 20;
+
+template <typename T>
+void appendLittleEndian(std::string& out, T value) {
+  char bytes[sizeof(T)];
+  std::memcpy(bytes, &value, sizeof(T));  // little endian like every platform we build for
+  out.append(bytes, sizeof(T));
+}
+
+std::string errnoText() {
+  return std::strerror(errno);
+}
+
+}  // namespace
+
+// Collects output into a string, or into a file through a buffer with large pieces written
+// straight through, so that copying an untouched file costs one pass over its bytes.
+class DxfWriter::Sink {
+ public:
+  explicit Sink(std::string& out) : out_(&out) {}
+  Sink(int fd, const std::string& name) : fd_(fd), name_(name) { buffer_.reserve(kBufferSize); }
+
+  void append(std::string_view bytes) {
+    if (out_) {
+      out_->append(bytes);
+      return;
+    }
+    if (bytes.size() >= kDirectWrite) {
+      flush();
+      writeFully(bytes);
+      return;
+    }
+    if (buffer_.size() + bytes.size() > kBufferSize) flush();
+    buffer_.append(bytes);
+  }
+  // Scratch space for encoding one tag, reused.
+  std::string& scratch() { return scratch_; }
+
+  void flush() {
+    if (out_ || buffer_.empty()) return;
+    writeFully(buffer_);
+    buffer_.clear();
+  }
+
+ private:
+  void writeFully(std::string_view bytes) {
+    while (!bytes.empty()) {
+      ssize_t n = ::write(fd_, bytes.data(), bytes.size());
+      if (n < 0 && errno == EINTR) continue;
+      if (n < 0) throw OdError(eFileWriteError, "cannot write " + name_ + ": " + errnoText());
+      bytes.remove_prefix(static_cast<std::size_t>(n));
+    }
+  }
+
+  std::string* out_ = nullptr;
+  int fd_ = -1;
+  std::string name_;
+  std::string buffer_;
+  std::string scratch_;
+};
+
+DxfWriter::DxfWriter(const DxfDocument& doc, std::optional<DxfFormat> format)
+    : doc_(doc), format_(format.value_or(doc.format())) {}
+
+std::string DxfWriter::toBytes() const {
+  std::string out;
+  out.reserve(doc_.bytes().size() + 4096);
+  Sink sink(out);
+  writeAll(sink);
+  return out;
+}
+
+namespace {
+
+// Encodes tags of one document in one target layout.
+class TagEncoder {
+ public:
+  TagEncoder(const DxfDocument& doc, DxfFormat format) : doc_(doc), format_(format) {
+    if (format == doc.format()) {
+      layout_ = doc.layout();
+    } else if (format == DxfFormat::kAscii) {
+      layout_.crlf = true;
+      layout_.codeWidth = 3;
+    } else {
+      layout_.twoByteCodes = doc.versionNumber() >= 1012;
+    }
+  }
+
+  void encode(const DxfTag& tag, std::string& out) const {
+    if (format_ == DxfFormat::kAscii)
+      encodeAscii(tag, out);
+    else
+      encodeBinary(tag, out);
+  }
+
+ private:
+  void encodeAscii(const DxfTag& tag, std::string& out) const {
+    char digits[16];
+    auto [end, ec] = std::to_chars(digits, digits + sizeof digits, static_cast<int>(tag.code));
+    std::size_t length = static_cast<std::size_t>(end - digits);
+    if (length < static_cast<std::size_t>(layout_.codeWidth))
+      out.append(static_cast<std::size_t>(layout_.codeWidth) - length, ' ');
+    out.append(digits, length);
+    newline(out);
+    if (!tag.isBinaryForm()) {
+      out.append(doc_.rawValue(tag));
+    } else {
+      DxfValueType type = DxfGroupCode::valueType(tag.code);
+      if (type == DxfValueType::kString) {
+        std::string_view raw = doc_.rawValue(tag);
+        if (DxfGroupCode::needsCaretEncoding(raw))
+          out.append(DxfGroupCode::caretEncode(raw));
+        else
+          out.append(raw);
+      } else if (type == DxfValueType::kDouble) {
+        out.append(DxfGroupCode::formatReal(doc_.real(tag)));
+      } else if (type == DxfValueType::kBinary) {
+        out.append(DxfGroupCode::formatHex(doc_.rawValue(tag)));
+      } else {
+        out.append(std::to_string(doc_.integer(tag)));
+      }
+    }
+    newline(out);
+  }
+
+  void newline(std::string& out) const {
+    if (layout_.crlf) out.push_back('\r');
+    out.push_back('\n');
+  }
+
+  void encodeBinary(const DxfTag& tag, std::string& out) const {
+    if (layout_.twoByteCodes) {
+      appendLittleEndian<std::int16_t>(out, tag.code);
+    } else if (tag.code >= 0 && tag.code < 255) {
+      out.push_back(static_cast<char>(tag.code));
+    } else {
+      out.push_back(static_cast<char>(255));
+      appendLittleEndian<std::int16_t>(out, tag.code);
+    }
+    DxfValueType type = DxfGroupCode::valueType(tag.code);
+    std::string_view raw = doc_.rawValue(tag);
+    if (tag.isBinaryForm()) {
+      if (type == DxfValueType::kBinary) out.push_back(static_cast<char>(raw.size()));
+      out.append(raw);
+      if (type == DxfValueType::kString || type == DxfValueType::kUnknown) out.push_back('\0');
+      return;
+    }
+    switch (type) {
+      case DxfValueType::kDouble:
+        appendLittleEndian<double>(out, doc_.real(tag));
+        break;
+      case DxfValueType::kInt16:
+        appendLittleEndian<std::int16_t>(out, static_cast<std::int16_t>(doc_.integer(tag)));
+        break;
+      case DxfValueType::kInt32:
+        appendLittleEndian<std::int32_t>(out, static_cast<std::int32_t>(doc_.integer(tag)));
+        break;
+      case DxfValueType::kInt64:
+        appendLittleEndian<std::int64_t>(out, doc_.integer(tag));
+        break;
+      case DxfValueType::kBool:
+        out.push_back(static_cast<char>(doc_.integer(tag)));
+        break;
+      case DxfValueType::kBinary: {
+        std::string bytes = doc_.binaryChunk(tag);
+        if (bytes.size() > 255)
+          doc_.fail(tag,
+                    "a binary chunk of more than 255 bytes cannot be written to a binary file");
+        out.push_back(static_cast<char>(bytes.size()));
+        out.append(bytes);
+        break;
+      }
+      default: {
+        std::string bytes = doc_.stringBytes(tag);
+        if (bytes.find('\0') != std::string::npos)
+          doc_.fail(tag, "a string with a NUL byte cannot be written to a binary file");
+        out.append(bytes);
+        out.push_back('\0');
+        break;
+      }
+    }
+  }
+
+  const DxfDocument& doc_;
+  DxfFormat format_;
+  DxfDocument::Layout layout_;
+};
+
+}  // namespace
+
+void DxfWriter::writeAll(Sink& sink) const {
+  const bool sameFormat = format_ == doc_.format();
+  const std::string_view source = doc_.bytes();
+  TagEncoder encoder(doc_, format_);
+
+  // Untouched objects lie back to back in the file: their ranges are merged into one copy.
+  std::size_t pendingBegin = 0;
+  std::size_t pendingEnd = 0;
+  auto flushPending = [&] {
+    if (pendingEnd > pendingBegin)
+      sink.append(source.substr(pendingBegin, pendingEnd - pendingBegin));
+    pendingBegin = pendingEnd = 0;
+  };
+  auto writeObject = [&](const DxfObject& object) {
+    if (sameFormat && !object.isModified()) {
+      if (pendingEnd != object.sourceBegin() || pendingEnd == pendingBegin) {
+        flushPending();
+        pendingBegin = object.sourceBegin();
+      }
+      pendingEnd = object.sourceEnd();
+      return;
+    }
+    flushPending();
+    std::string& scratch = sink.scratch();
+    scratch.clear();
+    for (const DxfTag& tag : object.tags()) encoder.encode(tag, scratch);
+    sink.append(scratch);
+  };
+
+  if (sameFormat)
+    sink.append(doc_.preamble());
+  else if (format_ == DxfFormat::kBinary)
+    sink.append(kBinarySentinel);
+  for (const DxfObject& object : doc_.prologue()) writeObject(object);
+  for (std::size_t i = 0; i < doc_.sectionCount(); ++i) {
+    const DxfSection& section = doc_.section(i);
+    writeObject(section.head());
+    for (const DxfObject& object : section.objects()) writeObject(object);
+    for (const DxfObject& object : section.tail()) writeObject(object);
+  }
+  writeObject(doc_.eofObject());
+  flushPending();
+  if (sameFormat) sink.append(doc_.trailer());
+  sink.flush();
+}
+
+void DxfWriter::save(const std::filesystem::path& path) const {
+  const std::string name = path.string();
+  std::filesystem::path folder = path.parent_path();
+  if (folder.empty()) folder = ".";
+  std::string pattern = (folder / ("." + path.filename().string() + ".XXXXXX")).string();
+  int fd = ::mkstemp(pattern.data());
+  if (fd < 0) throw OdError(eFileWriteError, "cannot write " + name + ": " + errnoText());
+  const std::string tempName = pattern;
+  try {
+    Sink sink(fd, name);
+    writeAll(sink);
+    // The new file takes over the permissions of the one it replaces; a new file gets the
+    // usual ones rather than the private mode of a temporary file.
+    struct stat existing {};
+    mode_t mode = 0;
+    if (::stat(path.c_str(), &existing) == 0) {
+      mode = existing.st_mode & 07777;
+    } else {
+      mode_t mask = ::umask(0);
+      ::umask(mask);
+      mode = 0666 & ~mask;
+    }
+    if (::fchmod(fd, mode) != 0 || ::fsync(fd) != 0)
+      throw OdError(eFileWriteError, "cannot write " + name + ": " + errnoText());
+    int closed = ::close(fd);
+    fd = -1;
+    if (closed != 0) throw OdError(eFileWriteError, "cannot write " + name + ": " + errnoText());
+    if (::rename(tempName.c_str(), path.c_str()) != 0)
+      throw OdError(eFileWriteError, "cannot replace " + name + ": " + errnoText());
+  } catch (...) {
+    if (fd >= 0) ::close(fd);
+    ::unlink(tempName.c_str());
+    throw;
+  }
+}
