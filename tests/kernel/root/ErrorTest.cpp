@@ -4,7 +4,6 @@
 
 #include <cctype>
 #include <fstream>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -25,15 +24,16 @@ bool isLowerCaseMessage(const std::string& text) {
 TEST(ErrorCodes, EveryDeclaredCodeHasItsNameAndAMessage) {
   std::ifstream header(std::string(STAUDIT_SOURCE_DIR) + "/kernel/root/OdResult.h");
   ASSERT_TRUE(header) << "cannot read OdResult.h";
-  std::stringstream text;
-  text << header.rdbuf();
-  const std::string source = text.str();
-  const std::regex enumerator(R"((e[A-Za-z]+)\s*=\s*(\d+))");
   std::set<std::string> messages;
   int count = 0;
-  for (std::sregex_iterator it(source.begin(), source.end(), enumerator), end; it != end; ++it) {
-    const std::string name = (*it)[1];
-    const auto code = static_cast<OdResult>(std::stoi((*it)[2]));
+  // Enumerator lines read "  eName = 123,", perhaps with a comment after them.
+  for (std::string line; std::getline(header, line);) {
+    std::istringstream words(line);
+    std::string name, equals;
+    int value = 0;
+    if (!(words >> name >> equals >> value) || equals != "=" || name.size() < 2 || name[0] != 'e')
+      continue;
+    const auto code = static_cast<OdResult>(value);
     EXPECT_EQ(odResultName(code), name);
     const std::string message = odResultMessage(code);
     EXPECT_TRUE(isLowerCaseMessage(message)) << name << ": " << message;
