@@ -138,6 +138,7 @@ void DxfReader::parse() {
     doc_.layout_.format = DxfFormat::kBinary;
     parseBinary();
   } else if (bytes.substr(0, 18) == "AutoCAD Binary DXF") {
+    doc_.layout_.format = DxfFormat::kBinary;
     failAt(0, kNoCode, "the binary DXF sentinel is damaged (it must end with CR LF SUB NUL)");
   } else {
     parseAscii();
@@ -220,7 +221,7 @@ void DxfReader::parseAscii() {
     std::size_t valueEnd = vnl ? static_cast<std::size_t>(vnl - base) : size;
     const std::size_t next = vnl ? valueEnd + 1 : size;
     if (!vnl && valueBegin == size)
-      failAt(valueBegin, code, "unexpected end of file: the value line is missing");
+      failAt(codeBegin, code, "unexpected end of file: the value line is missing");
     if (valueEnd > valueBegin && base[valueEnd - 1] == '\r') --valueEnd;
     std::string_view value(base + valueBegin, valueEnd - valueBegin);
 

@@ -1,0 +1,176 @@
+// Changing, adding and reading objects, tags and header variables: changed objects are
+// written in the file's own layout and everything else stays as it was.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+#include "DxfReader.h"
+#include "DxfWriter.h"
+#include "OdError.h"
+#include "TestSupport.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+DxfObject* firstOfType(DxfSection* section, std::string_view type) {
+  if (!section) return nullptr;
+  for (DxfObject& object : section->objects())
+    if (object.type() == type) return &object;
+  return nullptr;
+}
+
+TEST(DxfDocument, AChangedObjectIsWrittenInTheFilesLayoutAndNothingElseMoves) {
+  auto dir = testsupport::corpusDir();
+  if (dir.empty()) GTEST_SKIP() << "the shared corpus is absent";
+  for (const char* name : {"r14_libredwg_example.dxf", "r2000_cadviewer_minimal_line.dxf",
+                           "bin_r12_ezdxf_small.dxf", "bin_r2000_ezdxf_small.dxf"}) {
+    SCOPED_TRACE(name);
+    auto doc = DxfReader::readFile(dir / name);
+    const std::string original(doc->bytes());
+    DxfObject* layer = firstOfType(doc->findSection("TABLES"), "LAYER");
+    ASSERT_NE(layer, nullptr);
+    const std::size_t begin = layer->sourceBegin();
+    const std::size_t end = layer->sourceEnd();
+    std::size_t color = layer->find(62);
+    ASSERT_NE(color, DxfObject::npos);
+    layer->setInteger(color, 3);
+    layer->insertTag(color + 1, doc->makeText(1000, L"added"));
+    ASSERT_TRUE(layer->isModified());
+
+    const std::string saved = DxfWriter(*doc).toBytes();
+    EXPECT_EQ(saved.substr(0, begin), original.substr(0, begin));
+    const std::size_t tail = original.size() - end;
+    ASSERT_GE(saved.size(), tail);
+    EXPECT_TRUE(saved.compare(saved.size() - tail, tail, original, end, tail) == 0);
+    std::string_view middle = std::string_view(saved).substr(begin, saved.size() - tail - begin);
+    if (doc->format() == DxfFormat::kAscii) {
+      // Lines end as the file's lines end; codes are aligned as the file aligns them.
+      const bool crlf = doc->layout().crlf;
+      EXPECT_EQ(middle.find(crlf ? "\r\n 62\r\n3\r\n" : "\n62\n3\n") != std::string_view::npos,
+                true)
+          << middle;
+      EXPECT_NE(middle.find(crlf ? "1000\r\nadded\r\n" : "1000\nadded\n"), std::string_view::npos);
+    } else if (doc->layout().twoByteCodes) {
+      EXPECT_NE(middle.find(std::string("\x3E\x00\x03\x00", 4)), std::string_view::npos);
+      EXPECT_NE(middle.find(std::string("\xE8\x03"
+                                        "added\0",
+                                        8)),
+                std::string_view::npos);
+    } else {
+      EXPECT_NE(middle.find(std::string("\x3E\x03\x00", 3)), std::string_view::npos);
+      EXPECT_NE(middle.find(std::string("\xFF\xE8\x03"
+                                        "added\0",
+                                        9)),
+                std::string_view::npos);
+    }
+
+    auto again = DxfReader::readBuffer(saved, name);
+    DxfObject* reread = firstOfType(again->findSection("TABLES"), "LAYER");
+    EXPECT_EQ(reread->integer(reread->find(62)), 3);
+    EXPECT_EQ(reread->text(reread->find(1000)), L"added");
+  }
+}
+
+TEST(DxfDocument, NewObjectsAndHeaderVariables) {
+  auto dir = testsupport::corpusDir();
+  if (dir.empty()) GTEST_SKIP() << "the shared corpus is absent";
+  auto doc = DxfReader::readFile(dir / "r2018_ezdxf_wipeout.dxf");
+  EXPECT_EQ(doc->headerText("$ACADVER"), L"AC1032");
+  EXPECT_EQ(doc->headerText("$DWGCODEPAGE"), L"ANSI_1252");
+  EXPECT_TRUE(doc->headerVariable("$NOSUCHVARIABLE").empty());
+  const std::uint64_t seed = std::stoull(doc->headerText("$HANDSEED").toUtf8(), nullptr, 16);
+  ASSERT_GT(seed, 0u);
+
+  char hex[32];
+  std::snprintf(hex, sizeof hex, "%llX", static_cast<unsigned long long>(seed));
+  DxfSection* entities = doc->findSection("ENTITIES");
+  const std::size_t count = entities->size();
+  entities->insertObject(
+      count, {doc->makeRaw(0, "LINE"), doc->makeRaw(5, hex), doc->makeRaw(100, "AcDbEntity"),
+              doc->makeText(8, L"0"), doc->makeRaw(100, "AcDbLine"), doc->makeReal(10, 0.1),
+              doc->makeReal(20, 1.0 / 3), doc->makeReal(30, 0), doc->makeReal(11, -1e-300),
+              doc->makeReal(21, 123456789.125), doc->makeReal(31, 5e-324)});
+  std::snprintf(hex, sizeof hex, "%llX", static_cast<unsigned long long>(seed + 1));
+  doc->setHeaderVariable("$HANDSEED", {doc->makeRaw(5, hex)});
+  doc->setHeaderVariable("$PROJECTNAME", {doc->makeText(1, L"Plan \u00C9")});
+
+  for (DxfFormat format : {DxfFormat::kAscii, DxfFormat::kBinary}) {
+    auto again = DxfReader::readBuffer(DxfWriter(*doc, format).toBytes(), "edited.dxf");
+    EXPECT_EQ(again->headerText("$HANDSEED"), OdString(hex));
+    EXPECT_EQ(again->headerText("$PROJECTNAME"), L"Plan \u00C9");
+    const DxfSection* reread = again->findSection("ENTITIES");
+    ASSERT_EQ(reread->size(), count + 1);
+    const DxfObject& line = reread->object(count);
+    EXPECT_EQ(line.type(), "LINE");
+    EXPECT_EQ(line.handle(), seed);
+    // Doubles written as text read back as the same double.
+    EXPECT_EQ(line.real(line.find(10)), 0.1);
+    EXPECT_EQ(line.real(line.find(20)), 1.0 / 3);
+    EXPECT_EQ(line.real(line.find(11)), -1e-300);
+    EXPECT_EQ(line.real(line.find(21)), 123456789.125);
+    EXPECT_EQ(line.real(line.find(31)), 5e-324);
+  }
+
+  // A file with no HEADER section gets one, in front.
+  auto bare = DxfReader::readFile(dir / "bin_r12_ixmilia_diamond_entities_only.dxf");
+  ASSERT_EQ(bare->findSection("HEADER"), nullptr);
+  bare->setHeaderVariable("$ACADVER", {bare->makeRaw(1, "AC1009")});
+  auto again = DxfReader::readBuffer(DxfWriter(*bare).toBytes(), "bare.dxf");
+  EXPECT_EQ(again->section(0).name(), "HEADER");
+  EXPECT_EQ(again->version(), "AC1009");
+  EXPECT_EQ(again->section(1).size(), bare->section(1).size());
+}
+
+TEST(DxfDocument, ValuesAreCheckedByGroupCodeAndControlCharactersUseCarets) {
+  auto doc = DxfReader::readBuffer("0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n", "small.dxf");
+  auto expectInvalid = [](auto make) {
+    try {
+      make();
+      ADD_FAILURE() << "accepted";
+    } catch (const OdError& e) {
+      EXPECT_EQ(e.code(), eInvalidInput) << e.what();
+    }
+  };
+  expectInvalid([&] { doc->makeInteger(10, 1); });
+  expectInvalid([&] { doc->makeInteger(70, 70000); });
+  expectInvalid([&] { doc->makeReal(8, 1.0); });
+  expectInvalid([&] { doc->makeText(70, L"1"); });
+  expectInvalid([&] { doc->makeRaw(70, "seven"); });
+  expectInvalid([&] { doc->makeRaw(85, "1"); });
+  expectInvalid([&] { doc->makeRaw(1, "two\nlines"); });
+  expectInvalid([&] { doc->makeBinary(310, std::string(256, 'x')); });
+
+  DxfTag text = doc->makeText(1, L"line one\nline two ^ caret");
+  EXPECT_EQ(doc->rawValue(text), "line one^Jline two ^  caret");
+  EXPECT_EQ(doc->text(text), L"line one\nline two ^ caret");
+  DxfTag chunk = doc->makeBinary(310, std::string("\x00\xFF\x10", 3));
+  EXPECT_EQ(doc->rawValue(chunk), "00FF10");
+  DxfTag flag = doc->makeInteger(290, 1);
+  DxfTag wide = doc->makeInteger(160, -5000000000LL);
+  DxfTag small = doc->makeInteger(70, -32768);
+  doc->findSection("ENTITIES")
+      ->insertObject(0, {doc->makeRaw(0, "MTEXT"), text, chunk, flag, wide, small});
+
+  auto binary = DxfReader::readBuffer(DxfWriter(*doc, DxfFormat::kBinary).toBytes(), "small.dxf");
+  const DxfObject& mtext = binary->findSection("ENTITIES")->object(0);
+  EXPECT_EQ(mtext.rawValue(1), "line one\nline two ^ caret");
+  EXPECT_EQ(mtext.text(1), L"line one\nline two ^ caret");
+  EXPECT_EQ(binary->binaryChunk(mtext.tag(2)), std::string("\x00\xFF\x10", 3));
+  EXPECT_EQ(mtext.integer(3), 1);
+  EXPECT_EQ(mtext.integer(4), -5000000000LL);
+  EXPECT_EQ(mtext.integer(5), -32768);
+  EXPECT_THROW(mtext.tag(6), OdError_InvalidIndex);
+  try {
+    mtext.real(1);
+    ADD_FAILURE() << "a string read as a number";
+  } catch (const OdError& e) {
+    EXPECT_NE(std::string(e.what()).find("small.dxf: byte offset"), std::string::npos) << e.what();
+  }
+}
+
+}  // namespace
