@@ -1,11 +1,13 @@
 #include "OdCodePageConverter.h"
 
 #include <climits>
+#include <iterator>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "OdError.h"
+#include "OdUnicodeText.h"
 
 namespace {
 
@@ -81,7 +83,7 @@ OdCodePageConverter::~OdCodePageConverter() {
   threadConverters().giveBack(std::move(name_), converter_);
 }
 
-icu::UnicodeString OdCodePageConverter::decode(std::string_view bytes) {
+std::wstring OdCodePageConverter::decode(std::string_view bytes) {
   if (bytes.size() > INT32_MAX / 2)
     throw OdError(eInvalidInput, "text of " + std::to_string(bytes.size()) +
                                      " bytes is too long to convert from code page \"" + name_ +
@@ -89,29 +91,32 @@ icu::UnicodeString OdCodePageConverter::decode(std::string_view bytes) {
   const auto length = static_cast<int32_t>(bytes.size());
   // One byte gives at most one UTF-16 unit in every single-byte code page and fewer in
   // the others; ICU says so when a guess is short, and the second try is exact.
-  int32_t capacity = length + 1;
+  UChar small[256];
+  std::vector<UChar> large;
+  UChar* buffer = small;
+  int32_t capacity = static_cast<int32_t>(std::size(small));
   for (int attempt = 0; attempt < 2; ++attempt) {
-    icu::UnicodeString out;
-    UChar* buffer = out.getBuffer(capacity);
+    if (length + 1 > capacity || attempt > 0) {
+      if (attempt == 0) capacity = length + 1;
+      large.resize(static_cast<std::size_t>(capacity));
+      buffer = large.data();
+    }
     UErrorCode status = U_ZERO_ERROR;
     int32_t produced = ucnv_toUChars(converter_, buffer, capacity, bytes.data(), length, &status);
-    out.releaseBuffer(U_SUCCESS(status) ? produced : 0);
-    if (U_SUCCESS(status)) return out;
-    if (status != U_BUFFER_OVERFLOW_ERROR)
-      throw OdError(eInvalidInput, std::string("cannot decode text from code page \"") + name_ +
-                                       "\": " + u_errorName(status));
+    if (U_SUCCESS(status)) return odunicode::fromUtf16(buffer, produced);
+    if (status != U_BUFFER_OVERFLOW_ERROR) break;
     capacity = produced + 1;
   }
   throw OdError(eInvalidInput, "cannot decode text from code page \"" + name_ + "\"");
 }
 
-std::string OdCodePageConverter::encode(const icu::UnicodeString& text, bool* lossless) {
+std::string OdCodePageConverter::encode(const UChar* text, int32_t length, bool* lossless) {
   const int8_t maxCharSize = ucnv_getMaxCharSize(converter_);
-  if (text.length() > (INT32_MAX - 16) / (maxCharSize + 1))
-    throw OdError(eInvalidInput, "text of " + std::to_string(text.length()) +
+  if (length > (INT32_MAX - 16) / (maxCharSize + 1))
+    throw OdError(eInvalidInput, "text of " + std::to_string(length) +
                                      " characters is too long to convert to code page \"" + name_ +
                                      "\"");
-  const int32_t capacity = UCNV_GET_MAX_BYTES_FOR_STRING(text.length(), maxCharSize);
+  const int32_t capacity = UCNV_GET_MAX_BYTES_FOR_STRING(length, maxCharSize);
   std::string out(static_cast<std::size_t>(capacity), '\0');
 
   // The loss record lives on this stack frame only, so the callback that points at it is
@@ -121,8 +126,7 @@ std::string OdCodePageConverter::encode(const icu::UnicodeString& text, bool* lo
   const void* previousContext = nullptr;
   UErrorCode status = U_ZERO_ERROR;
   ucnv_setFromUCallBack(converter_, recordLoss, &loss, &previous, &previousContext, &status);
-  int32_t produced =
-      ucnv_fromUChars(converter_, out.data(), capacity, text.getBuffer(), text.length(), &status);
+  int32_t produced = ucnv_fromUChars(converter_, out.data(), capacity, text, length, &status);
   UErrorCode restoreStatus = U_ZERO_ERROR;
   ucnv_setFromUCallBack(converter_, previous, previousContext, nullptr, nullptr, &restoreStatus);
   if (U_FAILURE(status))

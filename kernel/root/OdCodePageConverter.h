@@ -5,7 +5,6 @@
 // conversions it does). Other libraries use OdString::fromCodePage / toCodePage.
 
 #include <unicode/ucnv.h>
-#include <unicode/unistr.h>
 
 #include <string>
 #include <string_view>
@@ -23,10 +22,10 @@ class OdCodePageConverter {
   // Bytes the code page cannot decode become ICU's substitute (U+FFFD, or U+001A in the
   // single-byte code pages that define it). Throws OdError(eInvalidInput) for input of
   // more than a gigabyte.
-  icu::UnicodeString decode(std::string_view bytes);
-  // Characters the code page lacks become its substitute byte(s); `lossless`, when not
-  // null, is set to whether there were none.
-  std::string encode(const icu::UnicodeString& text, bool* lossless);
+  std::wstring decode(std::string_view bytes);
+  // Encodes UTF-16 text. Characters the code page lacks become its substitute byte(s);
+  // `lossless`, when not null, is set to whether there were none.
+  std::string encode(const UChar* text, int32_t length, bool* lossless);
 
  private:
   std::string name_;

@@ -2,13 +2,15 @@
 
 #include <unicode/coll.h>
 #include <unicode/locid.h>
+#include <unicode/uchar.h>
+#include <unicode/ustring.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <memory>
 #include <mutex>
 
-#include "OdUnicodeText.h"
+#include "OdUtf16Text.h"
 
 namespace {
 
@@ -81,8 +83,10 @@ ThreadCollators& threadCollators() {
 
 int codePointOrder(std::wstring_view a, std::wstring_view b, bool ignoreCase) {
   if (ignoreCase) {
-    icu::UnicodeString x = odunicode::toIcu(a), y = odunicode::toIcu(b);
-    return x.caseCompare(y, U_FOLD_CASE_DEFAULT | U_COMPARE_CODE_POINT_ORDER);
+    OdUtf16Text x(a), y(b);
+    UErrorCode status = U_ZERO_ERROR;
+    return u_strCaseCompare(x.data(), x.length(), y.data(), y.length(),
+                            U_FOLD_CASE_DEFAULT | U_COMPARE_CODE_POINT_ORDER, &status);
   }
   return a.compare(b);
 }
@@ -97,7 +101,8 @@ int OdCollatorCache::compare(std::wstring_view a, std::wstring_view b, bool igno
     result = codePointOrder(a, b, ignoreCase);
   } else {
     UErrorCode status = U_ZERO_ERROR;
-    result = collator->compare(odunicode::toIcu(a), odunicode::toIcu(b), status);
+    OdUtf16Text x(a), y(b);
+    result = collator->compare(x.data(), x.length(), y.data(), y.length(), status);
     if (U_FAILURE(status)) result = codePointOrder(a, b, ignoreCase);
   }
   return result < 0 ? -1 : (result > 0 ? 1 : 0);

@@ -17,6 +17,7 @@
 #include "OdCollatorCache.h"
 #include "OdError.h"
 #include "OdUnicodeText.h"
+#include "OdUtf16Text.h"
 
 OdString::OdString(const wchar_t* text) : text_(text ? text : L"") {}
 
@@ -48,12 +49,13 @@ std::string OdString::toUtf8() const {
 
 OdString OdString::fromCodePage(std::string_view bytes, const char* codePage) {
   OdCodePageConverter converter(codePage);
-  return OdString(odunicode::fromIcu(converter.decode(bytes)));
+  return OdString(converter.decode(bytes));
 }
 
 std::string OdString::toCodePage(const char* codePage, bool* lossless) const {
   OdCodePageConverter converter(codePage);
-  return converter.encode(odunicode::toIcu(text_), lossless);
+  OdUtf16Text units(text_);
+  return converter.encode(units.data(), units.length(), lossless);
 }
 
 namespace {
@@ -133,13 +135,26 @@ int OdString::compare(const OdString& other) const noexcept {
 }
 
 int OdString::iCompare(const OdString& other) const {
-  // Names in drawings are mostly ASCII; fold those without building ICU strings. ASCII
-  // case folding maps A-Z to a-z and nothing else, so this agrees with the full fold.
-  if (odunicode::isAscii(text_) && odunicode::isAscii(other.text_))
-    return odunicode::compareAsciiFolded(text_, other.text_);
-  icu::UnicodeString a = odunicode::toIcu(text_);
-  icu::UnicodeString b = odunicode::toIcu(other.text_);
-  int result = a.caseCompare(b, U_FOLD_CASE_DEFAULT | U_COMPARE_CODE_POINT_ORDER);
+  // Names in drawings are mostly ASCII, or start so ("A-WALL-Слой"). Case folding maps each
+  // character on its own, ASCII to ASCII, and never to nothing, so an ASCII prefix can be
+  // compared with A-Z folded to a-z and only the rest needs ICU.
+  const std::size_t n = std::min(text_.size(), other.text_.size());
+  std::size_t i = 0;
+  for (; i < n; ++i) {
+    wchar_t a = text_[i], b = other.text_[i];
+    if (a < 0 || a >= 0x80 || b < 0 || b >= 0x80) break;
+    if (a >= L'A' && a <= L'Z') a = static_cast<wchar_t>(a - L'A' + L'a');
+    if (b >= L'A' && b <= L'Z') b = static_cast<wchar_t>(b - L'A' + L'a');
+    if (a != b) return a < b ? -1 : 1;
+  }
+  if (i == n) {
+    if (text_.size() == other.text_.size()) return 0;
+    return text_.size() < other.text_.size() ? -1 : 1;
+  }
+  OdUtf16Text a(std::wstring_view(text_).substr(i)), b(std::wstring_view(other.text_).substr(i));
+  UErrorCode status = U_ZERO_ERROR;
+  int result = u_strCaseCompare(a.data(), a.length(), b.data(), b.length(),
+                                U_FOLD_CASE_DEFAULT | U_COMPARE_CODE_POINT_ORDER, &status);
   return result < 0 ? -1 : (result > 0 ? 1 : 0);
 }
 

@@ -80,10 +80,12 @@ icu::UnicodeString toIcu(std::wstring_view text) {
 }
 
 std::wstring fromIcu(const icu::UnicodeString& text) {
+  return fromUtf16(text.getBuffer(), text.length());
+}
+
+std::wstring fromUtf16(const UChar* units, int32_t length) {
   std::wstring out;
-  out.reserve(static_cast<std::size_t>(text.length()));
-  const UChar* units = text.getBuffer();
-  const int32_t length = text.length();
+  out.reserve(static_cast<std::size_t>(length));
   for (int32_t i = 0; i < length;) {
     UChar32 c;
     U16_NEXT(units, i, length, c);
@@ -94,17 +96,6 @@ std::wstring fromIcu(const icu::UnicodeString& text) {
 
 bool isAscii(std::wstring_view text) noexcept {
   return std::all_of(text.begin(), text.end(), [](wchar_t c) { return c >= 0 && c < 0x80; });
-}
-
-int compareAsciiFolded(std::wstring_view a, std::wstring_view b) noexcept {
-  auto fold = [](wchar_t c) { return (c >= L'A' && c <= L'Z') ? c - L'A' + L'a' : c; };
-  const std::size_t n = std::min(a.size(), b.size());
-  for (std::size_t i = 0; i < n; ++i) {
-    wchar_t x = fold(a[i]), y = fold(b[i]);
-    if (x != y) return x < y ? -1 : 1;
-  }
-  if (a.size() == b.size()) return 0;
-  return a.size() < b.size() ? -1 : 1;
 }
 
 bool isWhiteSpace(wchar_t ch) noexcept {

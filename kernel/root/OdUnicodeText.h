@@ -22,12 +22,12 @@ std::wstring decodeUtf8(std::string_view utf8);
 std::string encodeUtf8(std::wstring_view text);
 
 // Between wide strings and ICU strings; unpaired surrogates become U+FFFD either way.
+// (OdUtf16Text is the cheaper way to hand a wide text to a function that only reads it.)
 icu::UnicodeString toIcu(std::wstring_view text);
 std::wstring fromIcu(const icu::UnicodeString& text);
+std::wstring fromUtf16(const UChar* units, int32_t length);
 
 bool isAscii(std::wstring_view text) noexcept;
-// Compares two ASCII texts with A-Z folded to a-z: <0, 0, >0.
-int compareAsciiFolded(std::wstring_view a, std::wstring_view b) noexcept;
 // Unicode White_Space, which includes the no-break space and the ideographic space.
 bool isWhiteSpace(wchar_t ch) noexcept;
 
