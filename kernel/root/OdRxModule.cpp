@@ -1,0 +1,4 @@
+#include "OdRxModule.h"
+
+// Out of line so that the class's virtual table lives in TD_Root.
+OdRxModule::~OdRxModule() = default;
