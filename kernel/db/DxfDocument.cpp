@@ -38,7 +38,14 @@ int parseVersionNumber(std::string_view version) {
 }  // namespace
 
 DxfDocument::DxfDocument(std::string fileName, std::string bytes)
-    : fileName_(std::move(fileName)), bytes_(std::move(bytes)) {
+    : fileName_(std::move(fileName)), stringBytes_(std::move(bytes)), bytes_(stringBytes_) {
+  codec_ = std::make_unique<DxfTextCodec>("", "");
+}
+
+DxfDocument::DxfDocument(std::string fileName, DxfFileBytes bytes)
+    : fileName_(std::move(fileName)),
+      fileBytes_(std::move(bytes)),
+      bytes_(fileBytes_.data(), fileBytes_.size()) {
   codec_ = std::make_unique<DxfTextCodec>("", "");
 }
 
@@ -51,11 +58,11 @@ void DxfDocument::setVersion(std::string version, std::string_view codePage) {
 }
 
 std::string_view DxfDocument::preamble() const noexcept {
-  return std::string_view(bytes_).substr(0, preambleEnd_);
+  return bytes_.substr(0, preambleEnd_);
 }
 
 std::string_view DxfDocument::trailer() const noexcept {
-  return std::string_view(bytes_).substr(std::min<std::size_t>(trailerBegin_, bytes_.size()));
+  return bytes_.substr(std::min<std::size_t>(trailerBegin_, bytes_.size()));
 }
 
 DxfSection& DxfDocument::section(std::size_t index) {
@@ -91,9 +98,9 @@ DxfSection& DxfDocument::insertSection(std::size_t index, std::string_view name)
 }
 
 std::string_view DxfDocument::rawValue(const DxfTag& tag) const noexcept {
-  const std::string& store = tag.isInPool() ? pool_ : bytes_;
+  std::string_view store = tag.isInPool() ? std::string_view(pool_) : bytes_;
   if (static_cast<std::size_t>(tag.offset) + tag.length > store.size()) return {};
-  return std::string_view(store).substr(tag.offset, tag.length);
+  return store.substr(tag.offset, tag.length);
 }
 
 std::string DxfDocument::stringBytes(const DxfTag& tag) const {

@@ -3,11 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "DxfObject.h"
+#include "DxfPageAllocator.h"
 #include "DxfSection.h"
 #include "DxfTag.h"
 #include "DxfTextCodec.h"
@@ -39,6 +41,7 @@ class DxfDocument {
   // An empty document named `fileName` (used in error messages) over `bytes`, the whole
   // file. DxfReader fills it; other callers get a document from DxfReader.
   DxfDocument(std::string fileName, std::string bytes);
+  DxfDocument(std::string fileName, DxfFileBytes bytes);
   ~DxfDocument();
   DxfDocument(const DxfDocument&) = delete;
   DxfDocument& operator=(const DxfDocument&) = delete;
@@ -86,7 +89,7 @@ class DxfDocument {
     f(*eof_);
   }
   // Every tag as read, in file order (objects as read are ranges of it).
-  const std::vector<DxfTag>& sourceTags() const noexcept { return tags_; }
+  std::span<const DxfTag> sourceTags() const noexcept { return {tags_.data(), tags_.size()}; }
 
   // Values. The raw bytes of a value in its own form (see DxfTag). text() decodes a string
   // with the file's codec; integer() and real() read a numeric tag in either form, and throw
@@ -134,7 +137,10 @@ class DxfDocument {
   void setVersion(std::string version, std::string_view codePage);
 
   std::string fileName_;
-  std::string bytes_;
+  // The file's bytes live in one of these two, as they were handed over; bytes_ views them.
+  std::string stringBytes_;
+  DxfFileBytes fileBytes_;
+  std::string_view bytes_;
   std::string pool_;
   Layout layout_;
   std::string version_;
@@ -142,7 +148,7 @@ class DxfDocument {
   std::unique_ptr<DxfTextCodec> codec_;
   std::uint32_t preambleEnd_ = 0;
   std::uint32_t trailerBegin_ = 0;
-  std::vector<DxfTag> tags_;
+  std::vector<DxfTag, DxfPageAllocator<DxfTag>> tags_;
   std::vector<DxfObject> prologue_;
   std::vector<std::unique_ptr<DxfSection>> sections_;
   std::unique_ptr<DxfObject> eof_;

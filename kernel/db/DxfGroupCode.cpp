@@ -6,10 +6,6 @@
 
 namespace {
 
-// One entry per code in 0..1071: the table is built once and makes the per-tag look-up a
-// single indexed load.
-constexpr int kTableSize = 1072;
-
 constexpr DxfValueType computeType(int c) {
   using T = DxfValueType;
   if (c >= 0 && c <= 9) return T::kString;
@@ -45,40 +41,22 @@ constexpr DxfValueType computeType(int c) {
   return T::kUnknown;
 }
 
-constexpr std::array<DxfValueType, kTableSize> buildTable() {
-  std::array<DxfValueType, kTableSize> table{};
-  for (int c = 0; c < kTableSize; ++c) table[static_cast<std::size_t>(c)] = computeType(c);
+template <std::size_t N>
+constexpr std::array<DxfValueType, N> buildTable() {
+  std::array<DxfValueType, N> table{};
+  for (std::size_t c = 0; c < N; ++c) table[c] = computeType(static_cast<int>(c));
   return table;
 }
 
-constexpr std::array<DxfValueType, kTableSize> kTable = buildTable();
-
 }  // namespace
 
-DxfValueType DxfGroupCode::valueType(int code) noexcept {
-  if (code < 0 || code >= kTableSize) return DxfValueType::kUnknown;
-  return kTable[static_cast<std::size_t>(code)];
-}
+// One entry per code: the per-tag look-up is a single indexed load.
+const std::array<DxfValueType, DxfGroupCode::kTableSize> DxfGroupCode::kTypes =
+    buildTable<DxfGroupCode::kTableSize>();
 
 bool DxfGroupCode::isHandle(int code) noexcept {
   return code == 5 || code == 105 || (code >= 320 && code <= 369) || (code >= 390 && code <= 399) ||
          code == 480 || code == 481 || code == 1005;
-}
-
-int DxfGroupCode::binarySize(DxfValueType type) noexcept {
-  switch (type) {
-    case DxfValueType::kDouble:
-    case DxfValueType::kInt64:
-      return 8;
-    case DxfValueType::kInt32:
-      return 4;
-    case DxfValueType::kInt16:
-      return 2;
-    case DxfValueType::kBool:
-      return 1;
-    default:
-      return 0;
-  }
 }
 
 std::int64_t DxfGroupCode::minInteger(DxfValueType type) noexcept {

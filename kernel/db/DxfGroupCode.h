@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -21,8 +22,12 @@ enum class DxfValueType : std::uint8_t {
 // call per tag while parsing.
 class DxfGroupCode {
  public:
-  // The value type of `code`; kUnknown for codes the format does not define.
-  static DxfValueType valueType(int code) noexcept;
+  // The value type of `code`; kUnknown for codes the format does not define. Inline: the
+  // parsers call it for every tag.
+  static DxfValueType valueType(int code) noexcept {
+    return (code >= 0 && code < kTableSize) ? kTypes[static_cast<std::size_t>(code)]
+                                            : DxfValueType::kUnknown;
+  }
 
   static bool isNumeric(DxfValueType type) noexcept {
     return type != DxfValueType::kUnknown && type != DxfValueType::kString &&
@@ -38,7 +43,21 @@ class DxfGroupCode {
 
   // The size in bytes of a fixed-size value in a binary file, or 0 for strings, binary
   // chunks and unknown codes.
-  static int binarySize(DxfValueType type) noexcept;
+  static int binarySize(DxfValueType type) noexcept {
+    switch (type) {
+      case DxfValueType::kDouble:
+      case DxfValueType::kInt64:
+        return 8;
+      case DxfValueType::kInt32:
+        return 4;
+      case DxfValueType::kInt16:
+        return 2;
+      case DxfValueType::kBool:
+        return 1;
+      default:
+        return 0;
+    }
+  }
 
   // The range of integer values a type accepts. Integers are accepted up to the unsigned
   // maximum of their width as well, because files in the wild write flag words and colours
@@ -63,4 +82,8 @@ class DxfGroupCode {
   static bool needsCaretEncoding(std::string_view bytes) noexcept;
   static std::string caretEncode(std::string_view bytes);
   static std::string caretDecode(std::string_view text);
+
+ private:
+  static constexpr int kTableSize = 1072;  // codes 0..1071
+  static const std::array<DxfValueType, kTableSize> kTypes;
 };

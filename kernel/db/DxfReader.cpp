@@ -46,6 +46,58 @@ std::string_view trimBlanks(std::string_view s) {
   return s;
 }
 
+bool isBlank(char c) noexcept {
+  return c == ' ' || c == '\t';
+}
+
+// The common shape of a real in a file, [blanks][sign]digits[.digits][blanks], checked
+// without converting: such text always parses, and too few digits to overflow. Anything
+// else (exponents, inf, garbage) goes through the full parse.
+bool isPlainDecimal(std::string_view text) noexcept {
+  const char* s = text.data();
+  const char* e = s + text.size();
+  while (s < e && isBlank(*s)) ++s;
+  while (e > s && isBlank(e[-1])) --e;
+  if (s < e && (*s == '-' || *s == '+')) ++s;
+  if (e - s > 300) return false;
+  bool digits = false;
+  bool point = false;
+  for (; s < e; ++s) {
+    if (*s >= '0' && *s <= '9') {
+      digits = true;
+    } else if (*s == '.' && !point) {
+      point = true;
+    } else {
+      return false;
+    }
+  }
+  return digits;
+}
+
+// An integer of at most 18 digits, parsed by hand; false sends it through the full parse
+// (which also produces the error for a malformed value).
+bool parseSmallInteger(std::string_view text, std::int64_t& value) noexcept {
+  const char* s = text.data();
+  const char* e = s + text.size();
+  while (s < e && isBlank(*s)) ++s;
+  while (e > s && isBlank(e[-1])) --e;
+  bool negative = false;
+  if (s < e && (*s == '-' || *s == '+')) negative = *s++ == '-';
+  if (s == e || e - s > 18) return false;
+  std::int64_t number = 0;
+  for (; s < e; ++s) {
+    unsigned digit = static_cast<unsigned char>(*s) - static_cast<unsigned>('0');
+    if (digit > 9) return false;
+    number = number * 10 + digit;
+  }
+  value = negative ? -number : number;
+  return true;
+}
+
+bool isEof(std::string_view value) noexcept {
+  return value.size() >= 3 && value.size() < 16 && trimBlanks(value) == "EOF";
+}
+
 const char* typeName(DxfValueType type) {
   switch (type) {
     case DxfValueType::kInt16:
@@ -61,7 +113,7 @@ const char* typeName(DxfValueType type) {
   }
 }
 
-std::string readWholeFile(const std::filesystem::path& path) {
+DxfFileBytes readWholeFile(const std::filesystem::path& path) {
   const std::string name = path.string();
   int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) {
@@ -80,7 +132,7 @@ std::string readWholeFile(const std::filesystem::path& path) {
     throw OdError(eFileAccessError, "cannot read " + name + ": it is a folder");
   if (static_cast<std::uint64_t>(info.st_size) > std::numeric_limits<std::uint32_t>::max())
     throw OdError(eBadDxfFile, name + ": files of 4 GB and more are not supported");
-  std::string bytes(static_cast<std::size_t>(info.st_size), '\0');
+  DxfFileBytes bytes(static_cast<std::size_t>(info.st_size));
   std::size_t done = 0;
   while (done < bytes.size()) {
     ssize_t n = ::read(fd, bytes.data() + done, bytes.size() - done);
@@ -96,13 +148,16 @@ std::string readWholeFile(const std::filesystem::path& path) {
 }  // namespace
 
 std::unique_ptr<DxfDocument> DxfReader::readFile(const std::filesystem::path& path) {
-  return readBuffer(readWholeFile(path), path.string());
+  return parseDocument(std::make_unique<DxfDocument>(path.string(), readWholeFile(path)));
 }
 
 std::unique_ptr<DxfDocument> DxfReader::readBuffer(std::string bytes, std::string name) {
   if (bytes.size() > std::numeric_limits<std::uint32_t>::max())
     throw OdError(eBadDxfFile, name + ": files of 4 GB and more are not supported");
-  auto doc = std::make_unique<DxfDocument>(std::move(name), std::move(bytes));
+  return parseDocument(std::make_unique<DxfDocument>(std::move(name), std::move(bytes)));
+}
+
+std::unique_ptr<DxfDocument> DxfReader::parseDocument(std::unique_ptr<DxfDocument> doc) {
   DxfReader reader(*doc);
   reader.parse();
   return doc;
@@ -148,7 +203,8 @@ void DxfReader::parse() {
   readHeaderVersion();
 }
 
-void DxfReader::addTag(int code, std::size_t valueBegin, std::size_t valueEnd, std::uint8_t flags) {
+inline void DxfReader::addTag(int code, std::size_t valueBegin, std::size_t valueEnd,
+                              std::uint8_t flags) {
   DxfTag tag;
   tag.offset = static_cast<std::uint32_t>(valueBegin);
   tag.length = static_cast<std::uint32_t>(valueEnd - valueBegin);
@@ -157,17 +213,41 @@ void DxfReader::addTag(int code, std::size_t valueBegin, std::size_t valueEnd, s
   doc_.tags_.push_back(tag);
 }
 
-void DxfReader::startObject(std::size_t byteBegin) {
-  objects_.push_back(
-      {static_cast<std::uint32_t>(doc_.tags_.size()), 0, static_cast<std::uint32_t>(byteBegin), 0});
+inline void DxfReader::startObject(std::size_t byteBegin, std::string_view type) {
+  Kind kind = Kind::kOther;
+  if (type.size() >= 6 && type.size() < 16) {
+    type = trimBlanks(type);
+    if (type == "SECTION") kind = Kind::kSection;
+    if (type == "ENDSEC") kind = Kind::kEndsec;
+  }
+  objects_.push_back({static_cast<std::uint32_t>(doc_.tags_.size()), 0,
+                      static_cast<std::uint32_t>(byteBegin), 0, kind});
 }
 
-void DxfReader::finishObject(std::size_t byteEnd) {
+inline void DxfReader::finishObject(std::size_t byteEnd) {
   if (objects_.empty()) return;
   ObjectRange& last = objects_.back();
   last.count = static_cast<std::uint32_t>(doc_.tags_.size()) - last.firstTag;
   last.byteEnd = static_cast<std::uint32_t>(byteEnd);
   if (last.count == 0) objects_.pop_back();
+}
+
+void DxfReader::checkAsciiValue(int code, DxfValueType type, std::string_view value,
+                                std::size_t valueBegin) const {
+  if (DxfGroupCode::isInteger(type)) {
+    std::int64_t number = 0;
+    if (!parseSmallInteger(value, number) && !DxfGroupCode::parseInteger(value, number))
+      failAt(valueBegin, code, "value " + quoteForMessage(value) + " is not an integer");
+    if (number < DxfGroupCode::minInteger(type) || number > DxfGroupCode::maxInteger(type))
+      failAt(valueBegin, code,
+             "value " + std::to_string(number) + " is out of range for " + typeName(type));
+  } else if (type == DxfValueType::kDouble) {
+    double number = 0;
+    if (!isPlainDecimal(value) && !DxfGroupCode::parseReal(value, number))
+      failAt(valueBegin, code, "value " + quoteForMessage(value) + " is not a number");
+  } else if (!DxfGroupCode::parseHex(value, nullptr)) {
+    failAt(valueBegin, code, "value " + quoteForMessage(value) + " is not hex data");
+  }
 }
 
 void DxfReader::parseAscii() {
@@ -185,9 +265,11 @@ void DxfReader::parseAscii() {
       doc_.layout_.codeWidth = static_cast<int>(first.size());
   }
 
-  doc_.tags_.reserve(size / 16 + 16);
-  objects_.reserve(size / 256 + 16);
-  startObject(p);
+  // Every tag takes at least two lines of at least one character: this never reallocates,
+  // and pages of the reservation that are not used are never touched.
+  doc_.tags_.reserve(size / 4 + 1);
+  objects_.reserve(size / 64 + 16);
+  startObject(p, {});
   while (p < size) {
     const std::size_t codeBegin = p;
     const char* nl = static_cast<const char*>(std::memchr(base + p, '\n', size - p));
@@ -225,30 +307,15 @@ void DxfReader::parseAscii() {
     if (valueEnd > valueBegin && base[valueEnd - 1] == '\r') --valueEnd;
     std::string_view value(base + valueBegin, valueEnd - valueBegin);
 
-    if (type != DxfValueType::kString) {
-      if (DxfGroupCode::isInteger(type)) {
-        std::int64_t number = 0;
-        if (!DxfGroupCode::parseInteger(value, number))
-          failAt(valueBegin, code, "value " + quoteForMessage(value) + " is not an integer");
-        if (number < DxfGroupCode::minInteger(type) || number > DxfGroupCode::maxInteger(type))
-          failAt(valueBegin, code,
-                 "value " + std::to_string(number) + " is out of range for " + typeName(type));
-      } else if (type == DxfValueType::kDouble) {
-        double number = 0;
-        if (!DxfGroupCode::parseReal(value, number))
-          failAt(valueBegin, code, "value " + quoteForMessage(value) + " is not a number");
-      } else if (!DxfGroupCode::parseHex(value, nullptr)) {
-        failAt(valueBegin, code, "value " + quoteForMessage(value) + " is not hex data");
-      }
-    }
+    if (type != DxfValueType::kString) checkAsciiValue(code, type, value, valueBegin);
 
     if (code == 0) {
       finishObject(codeBegin);
-      startObject(codeBegin);
+      startObject(codeBegin, value);
     }
     addTag(code, valueBegin, valueEnd, 0);
     p = next;
-    if (code == 0 && trimBlanks(value) == "EOF") {
+    if (code == 0 && isEof(value)) {
       finishObject(next);
       sawEof_ = true;
       doc_.trailerBegin_ = static_cast<std::uint32_t>(next);
@@ -270,9 +337,10 @@ void DxfReader::parseBinary() {
   bool twoByte = base[p] != 255 && (base[p + 1] == 0 || (base[p] == 0xE7 && base[p + 1] == 0x03));
   doc_.layout_.twoByteCodes = twoByte;
 
-  doc_.tags_.reserve(size / 12 + 16);
-  objects_.reserve(size / 200 + 16);
-  startObject(p);
+  // Every tag takes at least three bytes (see the ASCII reservation).
+  doc_.tags_.reserve(size / 3 + 1);
+  objects_.reserve(size / 64 + 16);
+  startObject(p, {});
   while (p < size) {
     const std::size_t tagBegin = p;
     int code = 0;
@@ -318,7 +386,8 @@ void DxfReader::parseBinary() {
     }
     if (code == 0) {
       finishObject(tagBegin);
-      startObject(tagBegin);
+      startObject(tagBegin, std::string_view(reinterpret_cast<const char*>(base) + valueBegin,
+                                             valueEnd - valueBegin));
     }
     addTag(code, valueBegin, valueEnd, DxfTag::kBinaryForm);
     if (code == 0 && valueEnd - valueBegin == 3 && std::memcmp(base + valueBegin, "EOF", 3) == 0) {
@@ -331,24 +400,34 @@ void DxfReader::parseBinary() {
 }
 
 void DxfReader::buildStructure() {
-  DxfSection* current = nullptr;
-  bool inTail = false;
   // The last object is "0 EOF".
   const std::size_t count = objects_.size() - 1;
+  // Sizes first, so that each section's object list is allocated once.
+  std::vector<std::uint32_t> sectionSizes;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (objects_[i].kind == Kind::kSection)
+      sectionSizes.push_back(0);
+    else if (!sectionSizes.empty())
+      ++sectionSizes.back();
+  }
+  doc_.sections_.reserve(sectionSizes.size());
+
+  DxfSection* current = nullptr;
+  bool inTail = false;
   for (std::size_t i = 0; i < count; ++i) {
     const ObjectRange& r = objects_[i];
     DxfObject object(doc_, r.firstTag, r.count, r.byteBegin, r.byteEnd);
-    std::string_view type = object.type();
-    if (type == "SECTION") {
+    if (r.kind == Kind::kSection) {
       std::size_t nameAt = object.find(2);
       std::string name(nameAt == DxfObject::npos ? std::string_view()
                                                  : trimBlanks(object.rawValue(nameAt)));
       doc_.sections_.push_back(std::make_unique<DxfSection>(std::move(name), std::move(object)));
       current = doc_.sections_.back().get();
+      current->objects().reserve(sectionSizes[doc_.sections_.size() - 1]);
       inTail = false;
     } else if (!current) {
       doc_.prologue_.push_back(std::move(object));
-    } else if (inTail || type == "ENDSEC") {
+    } else if (inTail || r.kind == Kind::kEndsec) {
       current->tail().push_back(std::move(object));
       inTail = true;
     } else {

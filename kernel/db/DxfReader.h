@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "DxfDocument.h"
+#include "DxfGroupCode.h"
 
 // Reads a DXF file, ASCII or binary (recognised by its first bytes), of any version, into a
 // DxfDocument that keeps every tag as it was read.
@@ -26,6 +27,8 @@ class DxfReader {
   static std::unique_ptr<DxfDocument> readBuffer(std::string bytes, std::string name);
 
  private:
+  static std::unique_ptr<DxfDocument> parseDocument(std::unique_ptr<DxfDocument> doc);
+
   explicit DxfReader(DxfDocument& doc) : doc_(doc) {}
   void parse();
   void parseAscii();
@@ -34,15 +37,21 @@ class DxfReader {
   void readHeaderVersion();
   [[noreturn]] void failAt(std::size_t offset, int code, const std::string& what) const;
 
+  void checkAsciiValue(int code, DxfValueType type, std::string_view value,
+                       std::size_t valueBegin) const;
   void addTag(int code, std::size_t valueBegin, std::size_t valueEnd, std::uint8_t flags);
-  void startObject(std::size_t byteBegin);
+  void startObject(std::size_t byteBegin, std::string_view type);
   void finishObject(std::size_t byteEnd);
 
+  // What the structure pass needs to know of an object's type, noted while its group-0 tag
+  // is at hand (looking the tags up again later costs a cache miss per object).
+  enum class Kind : std::uint8_t { kOther, kSection, kEndsec };
   struct ObjectRange {
     std::uint32_t firstTag;
     std::uint32_t count;
     std::uint32_t byteBegin;
     std::uint32_t byteEnd;
+    Kind kind;
   };
 
   DxfDocument& doc_;
