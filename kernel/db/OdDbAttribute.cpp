@@ -1,0 +1,3 @@
+#include "OdDbAttribute.h"
+
+ODDB_DEFINE_MEMBERS(OdDbAttribute, OdDbText, "AcDbAttribute", "ATTRIB");

@@ -1,0 +1,3 @@
+#include "OdDbAttributeDefinition.h"
+
+ODDB_DEFINE_MEMBERS(OdDbAttributeDefinition, OdDbText, "AcDbAttributeDefinition", "ATTDEF");

@@ -1,0 +1,3 @@
+#include "OdDbBlockTable.h"
+
+ODDB_DEFINE_MEMBERS(OdDbBlockTable, OdDbSymbolTable, "AcDbBlockTable", "TABLE");

@@ -1,0 +1,40 @@
+#pragma once
+
+// Internal to TD_Db: copies symbol table records from one database into another for
+// OdDbDatabase::wblockCloneObjects.
+//
+// A record's tags are copied whole except what ties them to the source: the handle, the
+// owner, the reactor and extension dictionary groups. References by handle to records of
+// other tables (a dimension style's text style and linetypes, a complex linetype's text
+// style) are cloned along when the target lacks a record of that name and mapped to the
+// target's record when it has one; references by name (a layer's linetype) likewise make
+// sure the target has the record. Handles to other objects are pointed at the target's
+// counterparts of layer "0" (plot style, material) or dropped. Applications named in
+// extended data are registered in the target.
+
+#include "OdDb.h"
+#include "OdDbDatabaseImpl.h"
+#include "OdDbIdMapping.h"
+
+class OdDbCloner {
+ public:
+  OdDbCloner(OdDbDatabaseImpl& source, OdDbDatabaseImpl& target, OdDbIdMapping& map)
+      : source_(source), target_(target), map_(map) {}
+
+  // Clones `record` (a record of table `kind` of the source) under rule `drc` and returns
+  // the target record it maps to.
+  OdDbObjectId clone(OdDbStub* record, OdDbDatabaseImpl::TableKind kind,
+                     OdDb::DuplicateRecordCloning drc, bool primary);
+
+ private:
+  // The source record of table `kind` named `name`, cloned into the target when it lacks
+  // one (kDrcIgnore); null when neither has it.
+  OdDbObjectId ensureByName(OdDbDatabaseImpl::TableKind kind, const OdString& name);
+  void translate(std::vector<DxfTag>& body);
+  void registerApps(const std::vector<DxfTag>& body);
+  OdDbObjectId layerZeroReference(int code);
+
+  OdDbDatabaseImpl& source_;
+  OdDbDatabaseImpl& target_;
+  OdDbIdMapping& map_;
+};

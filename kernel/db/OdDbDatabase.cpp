@@ -1,0 +1,200 @@
+#include "OdDbDatabase.h"
+
+#include <algorithm>
+
+#include "DxfReader.h"
+#include "DxfWriter.h"
+#include "OdDbCloner.h"
+#include "OdDbDatabaseImpl.h"
+#include "OdDbDatabaseReactor.h"
+#include "OdDbEmptyDrawing.h"
+#include "OdError.h"
+
+ODRX_DEFINE_RTTI_MEMBERS(OdDbDatabase, OdRxObject);
+
+OdSmartPtr<OdDbDatabase> OdDbDatabase::createObject() {
+  return createEmpty();
+}
+OdRxObject* OdDbDatabase::pseudoConstructor() {
+  return createObject().detach();
+}
+void OdDbDatabase::rxInit() {
+  rxInit(nullptr);
+}
+void OdDbDatabase::rxInit(OdRxClass::AppNameChangeFuncPtr appNameChange) {
+  odrxInitClass(g_pDesc, "AcDbDatabase", OdRxObject::desc(), "OdRxObject",
+                &OdDbDatabase::pseudoConstructor, OdString(), OdString(), appNameChange);
+}
+
+OdDbDatabase::OdDbDatabase() : impl_(std::make_unique<OdDbDatabaseImpl>(this)) {}
+
+OdDbDatabase::~OdDbDatabase() {
+  std::vector<OdDbDatabaseReactor*> reactors = impl_->reactors();
+  for (OdDbDatabaseReactor* r : reactors) r->goodbye(this);
+}
+
+OdDbDatabasePtr OdDbDatabase::createEmpty() {
+  OdDbDatabasePtr db = OdRxObjectImpl<OdDbDatabase>::createObject();
+  db->impl_->load(DxfReader::readBuffer(odDbEmptyDrawingDxf(), "new drawing"));
+  return db;
+}
+
+OdDbDatabasePtr OdDbDatabase::readFile(const std::filesystem::path& path) {
+  OdDbDatabasePtr db = OdRxObjectImpl<OdDbDatabase>::createObject();
+  db->impl_->load(DxfReader::readFile(path));
+  db->impl_->fileName = path.string();
+  return db;
+}
+
+OdDbDatabasePtr OdDbDatabase::readBuffer(std::string bytes, const std::string& name) {
+  OdDbDatabasePtr db = OdRxObjectImpl<OdDbDatabase>::createObject();
+  db->impl_->load(DxfReader::readBuffer(std::move(bytes), name));
+  return db;
+}
+
+namespace {
+std::optional<DxfFormat> formatOf(std::optional<bool> binary) {
+  if (!binary) return std::nullopt;
+  return *binary ? DxfFormat::kBinary : DxfFormat::kAscii;
+}
+}  // namespace
+
+void OdDbDatabase::writeFile(const std::filesystem::path& path, std::optional<bool> binary) {
+  impl_->prepareSave();
+  DxfWriter(impl_->doc(), formatOf(binary)).save(path);
+  impl_->fileName = path.string();
+}
+
+std::string OdDbDatabase::writeBuffer(std::optional<bool> binary) {
+  impl_->prepareSave();
+  return DxfWriter(impl_->doc(), formatOf(binary)).toBytes();
+}
+
+OdString OdDbDatabase::getFilename() const {
+  return OdString::fromUtf8(impl_->fileName);
+}
+OdString OdDbDatabase::versionString() const {
+  return OdString::fromUtf8(impl_->doc().version());
+}
+int OdDbDatabase::versionNumber() const {
+  return impl_->doc().versionNumber();
+}
+bool OdDbDatabase::isBinary() const {
+  return impl_->doc().format() == DxfFormat::kBinary;
+}
+OdString OdDbDatabase::encoding() const {
+  return OdString::fromUtf8(impl_->doc().codec().codePage());
+}
+
+OdDbObjectId OdDbDatabase::getNamedObjectsDictionaryId() const {
+  return OdDbObjectId(impl_->namedObjects());
+}
+OdDbObjectId OdDbDatabase::getLayerTableId() const {
+  return OdDbObjectId(impl_->table(OdDbDatabaseImpl::kLayer));
+}
+OdDbObjectId OdDbDatabase::getLinetypeTableId() const {
+  return OdDbObjectId(impl_->table(OdDbDatabaseImpl::kLtype));
+}
+OdDbObjectId OdDbDatabase::getTextStyleTableId() const {
+  return OdDbObjectId(impl_->table(OdDbDatabaseImpl::kStyle));
+}
+OdDbObjectId OdDbDatabase::getDimStyleTableId() const {
+  return OdDbObjectId(impl_->table(OdDbDatabaseImpl::kDimstyle));
+}
+OdDbObjectId OdDbDatabase::getBlockTableId() const {
+  return OdDbObjectId(impl_->table(OdDbDatabaseImpl::kBlockRecord));
+}
+OdDbObjectId OdDbDatabase::getRegAppTableId() const {
+  return OdDbObjectId(impl_->table(OdDbDatabaseImpl::kAppid));
+}
+OdDbObjectId OdDbDatabase::getModelSpaceId() const {
+  return OdDbObjectId(impl_->modelSpace());
+}
+OdDbObjectId OdDbDatabase::getPaperSpaceId() const {
+  return OdDbObjectId(impl_->paperSpace());
+}
+OdDbObjectId OdDbDatabase::getLinetypeByLayerId() const {
+  return impl_->recordByName(OdDbDatabaseImpl::kLtype, OdString(L"ByLayer"));
+}
+OdDbObjectId OdDbDatabase::getLinetypeByBlockId() const {
+  return impl_->recordByName(OdDbDatabaseImpl::kLtype, OdString(L"ByBlock"));
+}
+OdDbObjectId OdDbDatabase::getLinetypeContinuousId() const {
+  return impl_->recordByName(OdDbDatabaseImpl::kLtype, OdString(L"Continuous"));
+}
+OdDbObjectId OdDbDatabase::getLayerZeroId() const {
+  return impl_->recordByName(OdDbDatabaseImpl::kLayer, OdString(L"0"));
+}
+
+OdDbObjectId OdDbDatabase::getOdDbObjectId(const OdDbHandle& handle) const {
+  return OdDbObjectId(impl_->stubByHandle(handle.value()));
+}
+
+std::size_t OdDbDatabase::numObjects() const {
+  return impl_->numStubs();
+}
+
+std::size_t OdDbDatabase::countEntities() const {
+  std::size_t s = impl_->sectionIndex("ENTITIES");
+  if (s == SIZE_MAX) return 0;
+  std::size_t n = 0;
+  const DxfSection& section = impl_->doc().section(s);
+  for (std::size_t i = 0; i < section.size(); ++i) {
+    std::string_view type = section.object(i).type();
+    if (type == "VERTEX" || type == "ATTRIB" || type == "SEQEND") continue;
+    OdDbStub* stub = impl_->slot(s, i);
+    if (stub && !stub->isErased()) ++n;
+  }
+  return n;
+}
+
+std::size_t OdDbDatabase::countObjects() const {
+  std::size_t s = impl_->sectionIndex("OBJECTS");
+  if (s == SIZE_MAX) return 0;
+  std::size_t n = 0;
+  for (OdDbStub* stub : impl_->slots(s))
+    if (stub && !stub->isErased()) ++n;
+  return n;
+}
+
+void OdDbDatabase::addReactor(OdDbDatabaseReactor* reactor) {
+  auto& reactors = impl_->reactors();
+  if (reactor && std::find(reactors.begin(), reactors.end(), reactor) == reactors.end())
+    reactors.push_back(reactor);
+}
+
+void OdDbDatabase::removeReactor(OdDbDatabaseReactor* reactor) {
+  auto& reactors = impl_->reactors();
+  reactors.erase(std::remove(reactors.begin(), reactors.end(), reactor), reactors.end());
+}
+
+void OdDbDatabase::wblockCloneObjects(const OdDbObjectIdArray& ids, const OdDbObjectId& owner,
+                                      OdDbIdMapping& idMap, OdDb::DuplicateRecordCloning drc,
+                                      bool /*deferTranslation*/) {
+  if (owner.isNull()) throw OdError(eNullObjectId, "no table to clone into");
+  OdDbDatabase* target = owner.database();
+  if (target == this)
+    throw OdError(eWrongDatabase, "cloning needs a table of another drawing as the owner");
+  OdDbDatabaseImpl& dest = target->impl();
+  OdDbDatabaseImpl::TableKind kind = dest.tableKindOf(owner.stub());
+  if (kind == OdDbDatabaseImpl::kTableKinds)
+    throw OdError(eInvalidInput,
+                  "the owner " + owner.getHandle().ascii() + " is not a symbol table");
+  if (kind == OdDbDatabaseImpl::kBlockRecord)
+    throw OdError(eNotImplementedYet, "cloning blocks between drawings is not supported");
+  idMap.setOrigDb(this);
+  idMap.setDestDb(target);
+  idMap.setDuplicateRecordCloning(drc);
+  OdDbCloner cloner(*impl_, dest, idMap);
+  for (const OdDbObjectId& id : ids) {
+    if (id.isNull() || id.database() != this)
+      throw OdError(eInvalidInput, "the object " + id.getHandle().ascii() +
+                                       " is not an object of the source drawing");
+    std::string_view type = impl_->dxf(id.stub()).type();
+    if (OdDbDatabaseImpl::kindOfRecordType(type) != kind)
+      throw OdError(eInvalidInput, "the object " + id.getHandle().ascii() + " is a " +
+                                       std::string(type) + ", not a record of the " +
+                                       OdDbDatabaseImpl::tableName(kind) + " table");
+    cloner.clone(id.stub(), kind, drc, true);
+  }
+}

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "OdDbIdMapping.h"
+#include "OdDbObjectId.h"
+#include "OdRxMacros.h"
+#include "OdString.h"
+
+class DxfDocument;
+class OdDbDatabaseImpl;
+class OdDbDatabaseReactor;
+class OdDbDatabase;
+using OdDbDatabasePtr = OdSmartPtr<OdDbDatabase>;
+
+// A drawing: its objects, symbol tables and dictionaries over the tags of a DXF file.
+//
+// Loading indexes the file (one record per object, found by handle) and makes objects only
+// when they are opened, so a large drawing loads about as fast as its file is parsed.
+// Saving writes every object nobody changed exactly as it was read.
+//
+// Reference counted: hold it through OdDbDatabasePtr. Objects opened from it must be closed
+// before it goes; its reactors are told goodbye when it goes.
+class OdDbDatabase : public OdRxObject {
+  ODRX_DECLARE_MEMBERS(OdDbDatabase);
+
+  // A new drawing of release 2018 with the standard tables and objects: layer "0", linetypes
+  // ByBlock, ByLayer and Continuous, text style and dimension style Standard, the blocks
+  // *Model_Space and *Paper_Space with their layouts, and the named-object dictionary.
+  // (createObject() gives the same.)
+  static OdDbDatabasePtr createEmpty();
+  // Reads a DXF file, ASCII or binary, of any release. Throws OdError from the file layer:
+  // eFileNotFound, eFileAccessError, eDwgNotSupported, or eBadDxfFile with file, line (or
+  // byte offset) and group code.
+  static OdDbDatabasePtr readFile(const std::filesystem::path& path);
+  // Reads a drawing held in memory; `name` stands for it in error messages.
+  static OdDbDatabasePtr readBuffer(std::string bytes, const std::string& name);
+
+  // Saves to `path` in the drawing's own release and form, or in the other form when
+  // `binary` says so; the drawing's file name becomes `path`. Erased objects are left out.
+  // The old file is replaced only once the new one is complete; failures throw OdError
+  // (eFileWriteError naming the path).
+  void writeFile(const std::filesystem::path& path, std::optional<bool> binary = std::nullopt);
+  // The bytes writeFile would write.
+  std::string writeBuffer(std::optional<bool> binary = std::nullopt);
+
+  // The file the drawing was read from or last saved to (empty for a new drawing).
+  OdString getFilename() const;
+  // $ACADVER as read ("AC1032"; empty when the file has none).
+  OdString versionString() const;
+  // The release number of $ACADVER (1032 for "AC1032"); 0 when unknown.
+  int versionNumber() const;
+  bool isBinary() const;
+  // The code page strings are decoded with, as ICU names it ("windows-1252", "UTF-8").
+  OdString encoding() const;
+
+  // Well-known objects; null ids when the drawing lacks them (a release-12 file has no
+  // named-object dictionary).
+  OdDbObjectId getNamedObjectsDictionaryId() const;
+  OdDbObjectId getLayerTableId() const;
+  OdDbObjectId getLinetypeTableId() const;
+  OdDbObjectId getTextStyleTableId() const;
+  OdDbObjectId getDimStyleTableId() const;
+  OdDbObjectId getBlockTableId() const;
+  OdDbObjectId getRegAppTableId() const;
+  OdDbObjectId getModelSpaceId() const;
+  OdDbObjectId getPaperSpaceId() const;
+  // The linetype records ByLayer, ByBlock and Continuous, and layer "0".
+  OdDbObjectId getLinetypeByLayerId() const;
+  OdDbObjectId getLinetypeByBlockId() const;
+  OdDbObjectId getLinetypeContinuousId() const;
+  OdDbObjectId getLayerZeroId() const;
+
+  // The object with `handle`, or a null id.
+  OdDbObjectId getOdDbObjectId(const OdDbHandle& handle) const;
+  // Number of objects the database knows (erased ones included).
+  std::size_t numObjects() const;
+  // Entities of model space and paper space, and objects of the OBJECTS section, as the
+  // file holds them now (erased ones excluded).
+  std::size_t countEntities() const;
+  std::size_t countObjects() const;
+
+  // Reactors are not owned: remove one before it goes. Adding one twice keeps one entry.
+  void addReactor(OdDbDatabaseReactor* reactor);
+  void removeReactor(OdDbDatabaseReactor* reactor);
+
+  // Copies the records `ids` of this database into the symbol table `owner` of another
+  // database, with what they refer to (a layer's linetype, a dimension style's text style
+  // and linetypes) when the target lacks it. A record whose name the target table has is
+  // kept (kDrcIgnore and the other rules) or overwritten keeping its handle (kDrcReplace).
+  // `idMap` receives every source id with the target id it maps to. References between the
+  // cloned records go by name and are translated at once, so `deferTranslation` changes
+  // nothing. Throws OdError: eWrongDatabase when `owner` is of this database, eInvalidInput
+  // when `owner` is not the table of the records' kind or an id is not a symbol table
+  // record of this database, eNotImplementedYet for block records.
+  void wblockCloneObjects(const OdDbObjectIdArray& ids, const OdDbObjectId& owner,
+                          OdDbIdMapping& idMap, OdDb::DuplicateRecordCloning drc,
+                          bool deferTranslation = false);
+
+  // Internal to TD_Db.
+  OdDbDatabaseImpl& impl() const noexcept { return *impl_; }
+
+ protected:
+  OdDbDatabase();
+  ~OdDbDatabase() override;
+
+ private:
+  std::unique_ptr<OdDbDatabaseImpl> impl_;
+};

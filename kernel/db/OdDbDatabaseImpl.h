@@ -1,0 +1,162 @@
+#pragma once
+
+// Internal to TD_Db: the state of an OdDbDatabase. The document holds the tags; the
+// database adds one stub per object (found by handle, and by section position through a
+// slot list kept parallel to each section's objects), the objects made so far, the
+// reactors, and where the well-known tables and blocks are.
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "DxfDocument.h"
+#include "OdDbObjectId.h"
+#include "OdDbStub.h"
+#include "OdString.h"
+
+class OdDbDatabase;
+class OdDbDatabaseReactor;
+class OdDbObject;
+
+class OdDbDatabaseImpl {
+ public:
+  // The symbol tables, by the name a file gives them after "0 TABLE / 2".
+  enum TableKind {
+    kVport,
+    kLtype,
+    kLayer,
+    kStyle,
+    kView,
+    kUcs,
+    kAppid,
+    kDimstyle,
+    kBlockRecord,
+    kTableKinds
+  };
+  static const char* tableName(TableKind kind);
+  static const char* recordType(TableKind kind);
+  // The record type's kind ("LAYER" -> kLayer), or kTableKinds.
+  static TableKind kindOfRecordType(std::string_view type);
+
+  explicit OdDbDatabaseImpl(OdDbDatabase* self);
+  ~OdDbDatabaseImpl();
+  OdDbDatabaseImpl(const OdDbDatabaseImpl&) = delete;
+  OdDbDatabaseImpl& operator=(const OdDbDatabaseImpl&) = delete;
+
+  // Takes the document and indexes it.
+  void load(std::unique_ptr<DxfDocument> doc);
+  DxfDocument& doc() const noexcept { return *doc_; }
+  OdDbDatabase* self() const noexcept { return self_; }
+
+  // The tags behind a stub.
+  DxfObject& dxf(const OdDbStub* stub) const;
+  // The object behind a stub, made on first use (with no references).
+  OdDbObject* materialize(OdDbStub* stub);
+  // Takes a new object that joined the database into its care.
+  void adopt(OdDbObject* object) { objects_.push_back(object); }
+  // Puts a table the file lacks into the document (TABLE head and ENDTAB), so records can
+  // be added to it.
+  void materializeTable(TableKind kind);
+  OdDbStub* stubByHandle(std::uint64_t handle) const;
+  std::size_t numStubs() const noexcept { return stubs_.size(); }
+  // The stub of the object at a position, or null (section heads, ENDTAB, unindexed sections).
+  OdDbStub* slot(std::size_t section, std::size_t index) const;
+  const std::vector<OdDbStub*>& slots(std::size_t section) const { return slots_.at(section); }
+
+  std::size_t sectionIndex(std::string_view name) const;  // SIZE_MAX when absent
+  // The section called `name`, made (before EOF, or before `before` when that exists) when
+  // the file lacks it.
+  std::size_t ensureSection(std::string_view name);
+
+  // Well-known objects (null when the drawing lacks them).
+  OdDbStub* table(TableKind kind) const noexcept { return tables_[kind]; }
+  OdDbStub* namedObjects() const noexcept { return namedObjects_; }
+  OdDbStub* modelSpace();
+  OdDbStub* paperSpace();
+  bool isR12BlockTable() const noexcept { return r12Blocks_; }
+  // Records of a table in file order, erased ones included.
+  std::vector<OdDbStub*> tableRecords(const OdDbStub* table) const;
+  // The record of `table` named `name` (case-insensitive), erased ones skipped; null if none.
+  OdDbStub* findRecord(const OdDbStub* table, const OdString& name);
+  // The record's name (group 2) without opening it.
+  OdString recordName(const OdDbStub* record) const;
+  void invalidateNames() noexcept { ++namesGeneration_; }
+  // The record of table `kind` called `name`, or a null id.
+  OdDbObjectId recordByName(TableKind kind, const OdString& name) {
+    return OdDbObjectId(findRecord(tables_[kind], name));
+  }
+  // The name of `id` as a live record of table `kind` of this database, for storing a
+  // reference by name. Throws OdError: eNullObjectId, eWrongDatabase, eWasErased, or
+  // eInvalidInput when it is a record of another table.
+  OdString checkedRecordName(const OdDbObjectId& id, TableKind kind);
+  // The kind of table a stub is the head of, or kTableKinds.
+  TableKind tableKindOf(const OdDbStub* table) const;
+  // The entities of a block record, in file order, without sub-entities (vertices,
+  // attributes, SEQEND) and, unless `withErased`, without erased ones.
+  std::vector<OdDbStub*> blockEntities(const OdDbStub* record, bool withErased) const;
+  // The entities following `entity` that belong to it (VERTEX/ATTRIB ... SEQEND).
+  std::vector<OdDbStub*> followers(const OdDbStub* entity) const;
+  // Where a new entity of `record` goes: {section, index}.
+  std::pair<std::size_t, std::size_t> entityInsertPosition(const OdDbStub* record);
+  bool isPaperSpaceRecord(const OdDbStub* record);
+
+  // A new object in the document, made of `tags` (of this document) at `index` of
+  // `section`, with a fresh handle, which the caller writes into the tags.
+  OdDbStub* insertObject(std::size_t section, std::size_t index, std::vector<DxfTag> tags);
+  std::uint64_t newHandle();
+  // Tags of another document's object remade in this one (strings re-encoded).
+  std::vector<DxfTag> importTags(const DxfObject& source);
+
+  // Drops erased objects from the document (they stay readable as detached objects) and
+  // updates $HANDSEED; done before saving.
+  void prepareSave();
+
+  std::vector<OdDbDatabaseReactor*>& reactors() noexcept { return reactors_; }
+  void fireModified(const OdDbObject* object);
+  void fireOpenedForModify(const OdDbObject* object);
+  void fireAppended(const OdDbObject* object);
+  void fireErased(const OdDbObject* object, bool erased);
+
+  bool hasHandles() const noexcept { return hasHandles_; }
+  std::string fileName;
+
+ private:
+  OdDbStub* newStub(std::uint64_t handle, std::uint32_t section, std::uint32_t index);
+  OdDbStub* detachedStub(std::vector<DxfTag> tags, std::uint8_t flags);
+  void indexTables(std::size_t section);
+  void indexR12Blocks();
+  OdDbStub* findBlockRecord(std::wstring_view upperName);
+  std::size_t blockBeginIndex(const OdDbStub* record) const;
+
+  OdDbDatabase* self_;
+  std::unique_ptr<DxfDocument> doc_;
+  std::deque<OdDbStub> stubs_;
+  std::unordered_map<std::uint64_t, OdDbStub*> byHandle_;
+  std::vector<std::vector<OdDbStub*>> slots_;
+  std::vector<std::unique_ptr<DxfObject>> detached_;
+  std::vector<OdDbObject*> objects_;
+  std::vector<OdDbDatabaseReactor*> reactors_;
+  OdDbStub* tables_[kTableKinds] = {};
+  OdDbStub* namedObjects_ = nullptr;
+  OdDbStub* modelSpace_ = nullptr;
+  OdDbStub* paperSpace_ = nullptr;
+  bool r12Blocks_ = false;
+  bool hasHandles_ = false;
+  bool handSeedDirty_ = false;
+  std::uint64_t nextHandle_ = 1;
+  std::size_t entitiesSection_ = SIZE_MAX;
+  std::size_t blocksSection_ = SIZE_MAX;
+  std::size_t tablesSection_ = SIZE_MAX;
+
+  struct NameIndex {
+    std::uint64_t generation = 0;
+    std::unordered_map<std::wstring, OdDbStub*> byName;
+  };
+  std::unordered_map<const OdDbStub*, NameIndex> names_;
+  std::uint64_t namesGeneration_ = 1;
+};

@@ -1,0 +1,3 @@
+#include "OdDbDimStyleTable.h"
+
+ODDB_DEFINE_MEMBERS(OdDbDimStyleTable, OdDbSymbolTable, "AcDbDimStyleTable", "TABLE");

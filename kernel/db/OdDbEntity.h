@@ -1,0 +1,48 @@
+#pragma once
+
+#include <initializer_list>
+
+#include "OdDbObject.h"
+
+// An entity of a block (model space, a layout, a named block): its common properties, the
+// ones a drawing standard governs. Layer, linetype and styles are stored by name; the ids
+// come from the drawing's tables (null when the drawing has no record of that name).
+class OdDbEntity : public OdDbObject {
+  ODRX_DECLARE_MEMBERS(OdDbEntity);
+
+  // The block record that holds the entity.
+  OdDbObjectId blockId() const { return ownerId(); }
+
+  OdString layer() const;
+  OdDbObjectId layerId() const;
+  // Moves the entity to a layer of the same drawing (OdError eWrongDatabase, eInvalidInput
+  // for a record of another table, eWasErased).
+  void setLayer(const OdDbObjectId& id);
+
+  // "ByLayer" when the entity stores none.
+  OdString linetype() const;
+  OdDbObjectId linetypeId() const;
+  void setLinetype(const OdDbObjectId& id);
+
+  // The colour index: 0 by block, 256 by layer (when none is stored), 1-255.
+  short colorIndex() const;
+  // Sets the index and drops a true colour. Throws OdError(eInvalidInput) outside 0-256.
+  void setColorIndex(short index);
+
+  // kLnWtByLayer when the entity stores none.
+  OdDb::LineWeight lineWeight() const;
+  void setLineWeight(OdDb::LineWeight weight);
+
+ protected:
+  OdDbEntity() = default;
+  void initNewObject() override;
+
+  // A reference by name: the record of table `kind` named by the first tag `code` in
+  // `subclass` (or `dflt` when there is none).
+  OdString referenceName(const char* subclass, int code, const wchar_t* dflt) const;
+  OdDbObjectId referenceId(const char* subclass, int code, int kind, const wchar_t* dflt) const;
+  void setReference(const char* subclass, int code, int kind, const OdDbObjectId& id,
+                    std::initializer_list<int> after);
+};
+
+using OdDbEntityPtr = OdSmartPtr<OdDbEntity>;

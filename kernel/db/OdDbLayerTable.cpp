@@ -1,0 +1,3 @@
+#include "OdDbLayerTable.h"
+
+ODDB_DEFINE_MEMBERS(OdDbLayerTable, OdDbSymbolTable, "AcDbLayerTable", "TABLE");

@@ -1,0 +1,3 @@
+#include "OdDbLinetypeTable.h"
+
+ODDB_DEFINE_MEMBERS(OdDbLinetypeTable, OdDbSymbolTable, "AcDbLinetypeTable", "TABLE");

@@ -1,0 +1,3 @@
+#include "OdDbRegAppTable.h"
+
+ODDB_DEFINE_MEMBERS(OdDbRegAppTable, OdDbSymbolTable, "AcDbRegAppTable", "TABLE");

@@ -1,0 +1,30 @@
+#pragma once
+
+// Internal to TD_Db: the record behind an OdDbObjectId. One stub per object of a database,
+// made when the file is indexed; the object itself is made on first open and kept until the
+// database goes.
+
+#include <cstdint>
+
+#include "OdDbHandle.h"
+
+class OdDbDatabase;
+class OdDbObject;
+
+struct OdDbStub {
+  enum Flags : std::uint8_t {
+    kErased = 1,
+    kBlockView = 2,  // a BLOCK entity standing in for the block record a release-12 file lacks
+    kDetached = 4,   // backed by an object of no section (a stand-in the file does not hold)
+  };
+  static constexpr std::uint32_t kNoSection = 0xFFFFFFFFu;
+
+  OdDbDatabase* db = nullptr;
+  OdDbHandle handle;
+  OdDbObject* object = nullptr;        // owned by the database once made
+  std::uint32_t section = kNoSection;  // index of its section in the document
+  std::uint32_t index = 0;             // its index in that section (or in the detached list)
+  std::uint8_t flags = 0;
+
+  bool isErased() const noexcept { return (flags & kErased) != 0; }
+};

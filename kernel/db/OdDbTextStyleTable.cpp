@@ -1,0 +1,3 @@
+#include "OdDbTextStyleTable.h"
+
+ODDB_DEFINE_MEMBERS(OdDbTextStyleTable, OdDbSymbolTable, "AcDbTextStyleTable", "TABLE");
