@@ -1,0 +1,146 @@
+#include "HostApplication.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+
+#include "HostBuiltinCommands.h"
+#include "HostConfigTree.h"
+#include "HostFrontend.h"
+#include "HostPaths.h"
+#include "HostUser.h"
+#include "OdDbDatabase.h"
+#include "OdError.h"
+#include "OdRxDynamicLinker.h"
+
+namespace {
+HostApplication* g_current = nullptr;
+
+// Refuses a second host before anything of it is made (the first one's file is left alone).
+HostFrontend& checkNoneRunning(HostFrontend& front) {
+  if (g_current) throw OdError(eAlreadyRegistered, "a host application is running already");
+  return front;
+}
+
+std::shared_ptr<HostConfigTree> openConfig(std::filesystem::path file) {
+  if (file.empty()) file = HostConfigTree::defaultPath();
+  if (file.empty())
+    std::fprintf(stderr,
+                 "standards-audit: warning: no place for the configuration file (set "
+                 "STAUDIT_CONFIG or HOME); settings last for this run only\n");
+  return HostConfigTree::open(file);
+}
+}  // namespace
+
+HostApplication::HostApplication(HostFrontend& front) : HostApplication(front, Options{}) {}
+
+HostApplication::HostApplication(HostFrontend& front, Options options)
+    : front_(checkNoneRunning(front)),
+      config_(openConfig(std::move(options.configFile))),
+      commandLine_(commands_, front),
+      documents_([this](const OdString& line) { commandLine_.print(line + L"\n"); }) {
+  appObject_ = OdRxObjectImpl<HostApp>::createObject(this);
+  registerHostBuiltins(commands_);
+  g_current = this;
+}
+
+HostApplication::~HostApplication() {
+  documents_.closeAll();
+  while (!modules_.empty()) {
+    OdString name = modules_.back();
+    try {
+      unloadModule(name);
+    } catch (const std::exception& e) {
+      std::fprintf(stderr, "standards-audit: module %s failed to unload: %s\n",
+                   name.toUtf8().c_str(), e.what());
+      std::erase(modules_, name);
+    }
+  }
+  appObject_->app_ = nullptr;
+  g_current = nullptr;
+}
+
+HostApplication* HostApplication::current() noexcept {
+  return g_current;
+}
+
+HostConfigKeyPtr HostApplication::configRoot() {
+  return HostConfigKey::root(config_);
+}
+
+OdRxModulePtr HostApplication::loadModule(const OdString& name) {
+  OdRxModulePtr module = odrxDynamicLinker()->loadModule(name, false);
+  const OdString& loaded = module->moduleName();
+  if (std::find(modules_.begin(), modules_.end(), loaded) == modules_.end())
+    modules_.push_back(loaded);
+  return module;
+}
+
+bool HostApplication::unloadModule(const OdString& name) {
+  OdRxModulePtr module = odrxDynamicLinker()->getModule(name);
+  if (!module) return false;
+  const OdString moduleName = module->moduleName();
+  const OdString file = module->moduleFileName();
+  module.release();
+  bool unloaded = odrxDynamicLinker()->unloadModule(moduleName);
+  std::erase(modules_, moduleName);
+  // Commands the module left behind would run code that is gone.
+  int dropped = commands_.removeFromFile(file);
+  if (dropped > 0)
+    commandLine_.printf(L"module %ls left %d command(s) registered; they were removed\n",
+                        moduleName.c_str(), dropped);
+  return unloaded;
+}
+
+OdSmartPtr<OdDbDatabase> HostApplication::readDrawingFile(const OdString& path, bool, bool, int) {
+  try {
+    return OdDbDatabase::readFile(HostPaths::toPath(path));
+  } catch (const OdError& e) {
+    commandLine_.printf(L"cannot read drawing %ls: %ls\n", path.c_str(), e.description().c_str());
+  }
+  return nullptr;
+}
+
+bool HostApplication::getString(const OdString& prompt, OdString& answer) {
+  if (!prompt.isEmpty()) commandLine_.print(prompt);
+  bool got = commandLine_.takeWord(answer);
+  if (!prompt.isEmpty()) commandLine_.print(got ? answer + L"\n" : OdString(L"*cancel*\n"));
+  return got;
+}
+
+int HostApplication::messageBox(const OdString& text, const OdString& caption, HostButtons buttons,
+                                HostIcon icon) {
+  return front_.showMessageBox(HostMessageBox{text, caption, buttons, icon});
+}
+
+int HostApplication::taskDialog(const HostTaskDialog& dialog) {
+  return front_.showTaskDialog(dialog);
+}
+
+OdResBufPtr HostApplication::getSysVar(const OdString& name) {
+  HostDocument* doc = documents_.curDocument();
+  return doc ? doc->sysVars().get(name) : nullptr;
+}
+
+OdResult HostApplication::setSysVar(const OdString& name, const OdResBuf* value) {
+  return documents_.setSysVar(documents_.curDocument(), name, value);
+}
+
+bool HostApplication::showHelp(const OdString& topic) {
+  if (help_.show(topic, front_)) return true;
+  commandLine_.printf(L"no help page for \"%ls\" (looked for %ls)\n", topic.c_str(),
+                      help_.pageFor(topic).c_str());
+  return false;
+}
+
+bool HostApplication::fileExists(const OdString& path) {
+  return HostPaths::fileExists(path);
+}
+
+OdString HostApplication::fileNameOf(const OdString& path) {
+  return HostPaths::fileNameOf(path);
+}
+
+OdString HostApplication::loginName() {
+  return HostUser::loginName();
+}

@@ -1,0 +1,345 @@
+#include "HostConfigTree.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <fstream>
+#include <limits>
+#include <sstream>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Json = HostConfigTree::Json;
+
+void warn(const std::string& message) {
+  std::fprintf(stderr, "standards-audit: warning: %s\n", message.c_str());
+}
+
+Json emptyKey() {
+  return Json{{"keys", Json::object()}, {"values", Json::object()}};
+}
+
+// The integer types a value may be stored as, with their ranges.
+struct IntType {
+  const char* name;
+  OdVariant::Type type;
+  long long min;
+  long long max;
+};
+constexpr IntType kIntTypes[] = {
+    {"int8", OdVariant::kInt8, std::numeric_limits<std::int8_t>::min(),
+     std::numeric_limits<std::int8_t>::max()},
+    {"int16", OdVariant::kInt16, std::numeric_limits<std::int16_t>::min(),
+     std::numeric_limits<std::int16_t>::max()},
+    {"int32", OdVariant::kInt32, std::numeric_limits<std::int32_t>::min(),
+     std::numeric_limits<std::int32_t>::max()},
+    {"int64", OdVariant::kInt64, std::numeric_limits<std::int64_t>::min(),
+     std::numeric_limits<std::int64_t>::max()},
+};
+
+// The stored form of a value, or null for a type the tree does not keep.
+Json encodeValue(const OdVariant& value) {
+  switch (value.varType()) {
+    case OdVariant::kString:
+      return Json{{"string", value.getString().toUtf8()}};
+    case OdVariant::kBool:
+      return Json{{"bool", value.getBool()}};
+    case OdVariant::kInt8:
+      return Json{{"int8", value.getInt8()}};
+    case OdVariant::kInt16:
+      return Json{{"int16", value.getInt16()}};
+    case OdVariant::kInt32:
+      return Json{{"int32", value.getInt32()}};
+    case OdVariant::kInt64:
+      return Json{{"int64", value.getInt64()}};
+    case OdVariant::kDouble:
+      // JSON has no infinities or NaN; they would come back as null.
+      if (!std::isfinite(value.getDouble())) return nullptr;
+      return Json{{"double", value.getDouble()}};
+    default:
+      return nullptr;
+  }
+}
+
+// The value of a stored form; nullopt when the form is not one encodeValue makes.
+std::optional<OdVariant> decodeValue(const Json& stored) {
+  if (!stored.is_object() || stored.size() != 1) return std::nullopt;
+  auto only = stored.begin();
+  const std::string& type = only.key();
+  const Json& v = only.value();
+  if (type == "string" && v.is_string()) return OdVariant(OdString::fromUtf8(v.get<std::string>()));
+  if (type == "bool" && v.is_boolean()) return OdVariant(v.get<bool>());
+  if (type == "double" && v.is_number()) return OdVariant(v.get<double>());
+  for (const IntType& t : kIntTypes) {
+    if (type != t.name || !v.is_number_integer()) continue;
+    if (v.is_number_unsigned() && v.get<std::uint64_t>() > static_cast<std::uint64_t>(t.max))
+      return std::nullopt;
+    long long n = v.get<long long>();
+    if (n < t.min || n > t.max) return std::nullopt;
+    OdVariant out;
+    switch (t.type) {
+      case OdVariant::kInt8:
+        out.setInt8(static_cast<std::int8_t>(n));
+        break;
+      case OdVariant::kInt16:
+        out.setInt16(static_cast<std::int16_t>(n));
+        break;
+      case OdVariant::kInt32:
+        out.setInt32(static_cast<std::int32_t>(n));
+        break;
+      default:
+        out.setInt64(n);
+        break;
+    }
+    return out;
+  }
+  return std::nullopt;
+}
+
+// Describes the first way `key` departs from the layout, or returns empty. `where` names
+// the key for the message.
+std::string checkKey(const Json& key, const std::string& where) {
+  if (!key.is_object()) return where + " is not an object";
+  for (const auto& [member, v] : key.items()) {
+    if (member != "keys" && member != "values")
+      return where + " has an unknown member \"" + member + "\"";
+  }
+  auto keys = key.find("keys");
+  auto values = key.find("values");
+  if (keys == key.end() || !keys->is_object()) return where + " lacks its \"keys\" object";
+  if (values == key.end() || !values->is_object()) return where + " lacks its \"values\" object";
+  for (const auto& [name, v] : values->items()) {
+    if (!decodeValue(v)) return "value \"" + name + "\" of " + where + " is not a typed value";
+  }
+  for (const auto& [name, sub] : keys->items()) {
+    std::string error = checkKey(sub, "key \"" + name + "\"");
+    if (!error.empty()) return error;
+  }
+  return {};
+}
+
+std::string utcTimestamp() {
+  std::time_t now = std::time(nullptr);
+  std::tm utc{};
+  gmtime_r(&now, &utc);
+  char text[32];
+  std::strftime(text, sizeof text, "%Y%m%dT%H%M%SZ", &utc);
+  return text;
+}
+
+std::string systemError(int error) {
+  return std::generic_category().message(error);
+}
+
+// Writes `bytes` to a new file beside `file` and renames it over `file`. Returns an empty
+// string, or what failed.
+std::string replaceFileAtomically(const fs::path& file, const std::string& bytes) {
+  std::error_code ec;
+  if (file.has_parent_path()) {
+    fs::create_directories(file.parent_path(), ec);
+    if (ec) return "cannot create folder " + file.parent_path().string() + ": " + ec.message();
+  }
+  std::string tmpName = file.string() + ".tmp-XXXXXX";
+  int fd = mkstemp(tmpName.data());
+  if (fd < 0) return "cannot create a temporary file beside it: " + systemError(errno);
+  auto fail = [&](const std::string& what) {
+    int error = errno;
+    if (fd >= 0) ::close(fd);
+    ::unlink(tmpName.c_str());
+    return what + ": " + systemError(error);
+  };
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return fail("cannot write " + tmpName);
+    done += static_cast<std::size_t>(n);
+  }
+  // The mode of mkstemp (0600) suits a per-user settings file.
+  if (::fsync(fd) != 0) return fail("cannot flush " + tmpName);
+  if (::close(fd) != 0) {
+    fd = -1;
+    return fail("cannot close " + tmpName);
+  }
+  fd = -1;
+  if (std::rename(tmpName.c_str(), file.c_str()) != 0) return fail("cannot replace the file");
+  // Make the rename itself durable; a failure here loses nothing that was not already safe.
+  int dir = ::open(file.has_parent_path() ? file.parent_path().c_str() : ".", O_RDONLY);
+  if (dir >= 0) {
+    ::fsync(dir);
+    ::close(dir);
+  }
+  return {};
+}
+
+}  // namespace
+
+HostConfigTree::HostConfigTree(fs::path file) : file_(std::move(file)), doc_(freshDocument()) {}
+
+std::shared_ptr<HostConfigTree> HostConfigTree::open(const fs::path& file) {
+  auto tree = std::make_shared<HostConfigTree>(file);
+  tree->load();
+  return tree;
+}
+
+fs::path HostConfigTree::defaultPath() {
+  if (const char* env = std::getenv("STAUDIT_CONFIG"); env && *env) return fs::path(env);
+  fs::path base;
+  if (const char* xdg = std::getenv("XDG_CONFIG_HOME"); xdg && *xdg && xdg[0] == '/') {
+    base = xdg;
+  } else {
+    const char* home = std::getenv("HOME");
+    if (!home || !*home) {
+      if (const passwd* pw = ::getpwuid(::getuid())) home = pw->pw_dir;
+    }
+    if (!home || !*home) return {};
+    base = fs::path(home) / ".config";
+  }
+  return base / "standards-audit" / "config.json";
+}
+
+Json HostConfigTree::freshDocument() {
+  Json root = emptyKey();
+  root["keys"]["cmddata"] = emptyKey();
+  return Json{{"format", 1}, {"root", std::move(root)}};
+}
+
+void HostConfigTree::load() {
+  std::ifstream in(file_, std::ios::binary);
+  if (!in) {
+    // A missing file is the first run; an unreadable one is reported and left alone.
+    std::error_code ec;
+    if (fs::exists(file_, ec))
+      warn("cannot read configuration file " + file_.string() + ": " + systemError(errno) +
+           "; using a fresh configuration");
+    return;
+  }
+  std::stringstream text;
+  text << in.rdbuf();
+  std::string problem;
+  Json doc;
+  try {
+    doc = Json::parse(text.str());
+    if (!doc.is_object() || !doc.contains("root")) {
+      problem = "no \"root\" key";
+    } else if (!doc.contains("format") || doc["format"] != 1) {
+      problem = "unknown format (expected \"format\": 1)";
+    } else {
+      problem = checkKey(doc["root"], "the root key");
+    }
+  } catch (const Json::parse_error& e) {
+    problem = e.what();
+  }
+  if (problem.empty()) {
+    doc_ = std::move(doc);
+    return;
+  }
+  fs::path aside = file_.string() + ".corrupt-" + utcTimestamp();
+  for (int n = 2; fs::exists(aside); ++n)
+    aside = file_.string() + ".corrupt-" + utcTimestamp() + "-" + std::to_string(n);
+  std::error_code ec;
+  fs::rename(file_, aside, ec);
+  if (ec) {
+    warn("configuration file " + file_.string() + " is corrupt (" + problem +
+         ") and cannot be moved aside (" + ec.message() + "); using a fresh configuration");
+  } else {
+    warn("configuration file " + file_.string() + " is corrupt (" + problem + "); moved it to " +
+         aside.string() + " and started a fresh configuration");
+  }
+}
+
+const Json* HostConfigTree::findKey(const Path& path) const {
+  const Json* key = &doc_["root"];
+  for (const std::string& name : path) {
+    const Json& keys = (*key)["keys"];
+    auto it = keys.find(name);
+    if (it == keys.end()) return nullptr;
+    key = &*it;
+  }
+  return key;
+}
+
+Json* HostConfigTree::findKey(const Path& path) {
+  return const_cast<Json*>(static_cast<const HostConfigTree*>(this)->findKey(path));
+}
+
+bool HostConfigTree::hasKey(const Path& path) const {
+  return findKey(path) != nullptr;
+}
+
+bool HostConfigTree::createKey(const Path& path, const std::string& name) {
+  Json* key = findKey(path);
+  if (!key) return false;
+  if ((*key)["keys"].contains(name)) return true;
+  (*key)["keys"][name] = emptyKey();
+  return save();
+}
+
+bool HostConfigTree::deleteKey(const Path& path, const std::string& name) {
+  Json* key = findKey(path);
+  if (!key || !(*key)["keys"].contains(name)) return false;
+  (*key)["keys"].erase(name);
+  save();
+  return true;
+}
+
+std::vector<std::string> HostConfigTree::subkeyNames(const Path& path) const {
+  std::vector<std::string> names;
+  if (const Json* key = findKey(path))
+    for (const auto& [name, v] : (*key)["keys"].items()) names.push_back(name);
+  return names;
+}
+
+std::vector<std::string> HostConfigTree::valueNames(const Path& path) const {
+  std::vector<std::string> names;
+  if (const Json* key = findKey(path))
+    for (const auto& [name, v] : (*key)["values"].items()) names.push_back(name);
+  return names;
+}
+
+std::optional<OdVariant> HostConfigTree::getValue(const Path& path, const std::string& name) const {
+  const Json* key = findKey(path);
+  if (!key) return std::nullopt;
+  const Json& values = (*key)["values"];
+  auto it = values.find(name);
+  if (it == values.end()) return std::nullopt;
+  return decodeValue(*it);
+}
+
+bool HostConfigTree::setValue(const Path& path, const std::string& name, const OdVariant& value) {
+  Json* key = findKey(path);
+  if (!key) return false;
+  Json stored = encodeValue(value);
+  if (stored.is_null()) return false;
+  Json& slot = (*key)["values"][name];
+  if (slot == stored) return true;
+  slot = std::move(stored);
+  return save();
+}
+
+bool HostConfigTree::deleteValue(const Path& path, const std::string& name) {
+  Json* key = findKey(path);
+  if (!key || !(*key)["values"].contains(name)) return false;
+  (*key)["values"].erase(name);
+  save();
+  return true;
+}
+
+bool HostConfigTree::save() {
+  if (file_.empty()) return false;
+  std::string error = replaceFileAtomically(file_, doc_.dump(2) + "\n");
+  if (!error.empty() && error != lastSaveError_)
+    warn("cannot save configuration file " + file_.string() + ": " + error);
+  lastSaveError_ = error;
+  return error.empty();
+}
