@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "OdString.h"
@@ -111,6 +113,37 @@ TEST_F(StringCollation, FollowsTheLocaleWhenItChanges) {
     setenv("LC_ALL", restore.c_str(), 1);
   else
     unsetenv("LC_ALL");
+}
+
+TEST_F(StringCollation, EveryThreadSortsAlikeAndSeesLocaleChanges) {
+  // Collators and converters are cached per thread; the threads must agree with each
+  // other and all follow a change of locale made while they run.
+  const std::vector<std::string> names = {"zebra", "öl", "Apple", "éclair", "Слой", "banana"};
+  OdString::setCollationLocale("sv_SE");
+  const std::vector<std::string> swedish = sorted(names, true);
+  std::vector<std::vector<std::string>> before(4), after(4);
+  std::vector<std::thread> threads;
+  std::atomic<int> ready{0};
+  std::atomic<bool> changed{false};
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&, t] {
+      before[t] = sorted(names, true);
+      EXPECT_EQ(OdString("Слой").toCodePage("windows-1251"), "\xD1\xEB\xEE\xE9");
+      ++ready;
+      while (!changed) std::this_thread::yield();
+      after[t] = sorted(names, true);
+    });
+  }
+  while (ready < 4) std::this_thread::yield();
+  OdString::setCollationLocale("en_US");
+  changed = true;
+  for (auto& thread : threads) thread.join();
+  const std::vector<std::string> english = sorted(names, true);
+  EXPECT_NE(swedish, english);
+  for (int t = 0; t < 4; ++t) {
+    EXPECT_EQ(before[t], swedish) << "thread " << t;
+    EXPECT_EQ(after[t], english) << "thread " << t;
+  }
 }
 
 }  // namespace
