@@ -1,14 +1,15 @@
 """Checks `stcheck info --format json FILE` against ezdxf's reading of FILE.
 
-Usage: DbInfoOracle.py STCHECK FILE
+Usage: DbInfoOracle.py STCHECK FILE...
 
 ezdxf's document loader repairs what it reads (it adds layers, linetypes, dictionaries and
 objects a drawing lacks), so this script reads one level below it: ezdxf's own tag loaders
 and section structure, which give the file as it is. Names are decoded as ezdxf decodes
 them, \\U+XXXX escapes included; encodings are compared as Python codecs.
 
-Exit status: 0 when stcheck agrees with ezdxf, 1 when they differ (the differences are
-printed), 2 when only one of them rejects the file, 3 when both reject it.
+Prints one line a file: a status, a tab, the file, a tab and what was found. Status 0 when
+stcheck agrees with ezdxf, 1 when they differ (the differences follow), 2 when only one of
+them rejects the file, 3 when both reject it.
 """
 import codecs
 import json
@@ -121,27 +122,29 @@ def normalise_encoding(name):
         return codecs.lookup(aliases.get(name.lower(), "utf-8")).name
 
 
-def main():
-    stcheck, path = sys.argv[1], sys.argv[2]
+def check(stcheck, path):
     run = subprocess.run([stcheck, "info", "--format", "json", path], capture_output=True)
     try:
         expected = ezdxf_info(path)
     except Exception as error:
         if run.returncode != 0:
-            print(f"both reject the file; ezdxf: {error}; stcheck: {run.stderr.decode()}")
-            return 3
-        print(f"ezdxf rejects the file ({type(error).__name__}: {error}), stcheck reads it")
-        return 2
+            return 3, f"both reject the file; ezdxf: {error}; {run.stderr.decode().strip()}"
+        return 2, f"ezdxf rejects the file ({type(error).__name__}: {error}), stcheck reads it"
     if run.returncode != 0:
-        print(f"stcheck rejects the file: {run.stderr.decode(errors='replace')}")
-        return 2
+        return 2, f"stcheck rejects the file: {run.stderr.decode(errors='replace').strip()}"
     actual = json.loads(run.stdout.decode("utf-8"))
     actual["encoding"] = normalise_encoding(actual["encoding"])
     differences = [f"{key}: stcheck {actual.get(key)!r}, ezdxf {value!r}"
                    for key, value in expected.items() if actual.get(key) != value]
-    for line in differences:
-        print(line)
-    return 1 if differences else 0
+    return (1 if differences else 0), "; ".join(differences)
+
+
+def main():
+    stcheck = sys.argv[1]
+    for path in sys.argv[2:]:
+        status, message = check(stcheck, path)
+        print(f"{status}\t{path}\t{' '.join(message.split())}")
+    return 0
 
 
 if __name__ == "__main__":

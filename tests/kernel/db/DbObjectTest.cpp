@@ -1,0 +1,206 @@
+// Objects of a database: opening and closing, the errors a caller meets, saving what
+// changed and nothing else, and what database reactors are told.
+
+#include <gtest/gtest.h>
+
+#include "DbTestSupport.h"
+#include "OdDbBlockTableRecord.h"
+#include "OdDbDatabaseReactor.h"
+#include "OdDbDictionary.h"
+#include "OdDbLayerTable.h"
+#include "OdDbLayerTableRecord.h"
+#include "OdDbLinetypeTable.h"
+#include "OdDbText.h"
+#include "OdError.h"
+
+namespace {
+
+OdDbLayerTableRecordPtr openLayer(OdDbDatabase& db, const wchar_t* name, OdDb::OpenMode mode) {
+  OdDbLayerTablePtr table = db.getLayerTableId().safeOpenObject();
+  return table->getAt(name, mode);
+}
+
+struct Recorder : OdDbDatabaseReactor {
+  std::vector<std::string> events;
+  void objectModified(const OdDbDatabase*, const OdDbObject* obj) override {
+    events.push_back("modified " + obj->isA()->name().toUtf8() +
+                     (obj->isModified() ? " (says modified)" : ""));
+  }
+  void objectAppended(const OdDbDatabase*, const OdDbObject* obj) override {
+    events.push_back("appended " + obj->isA()->name().toUtf8());
+  }
+  void objectErased(const OdDbDatabase*, const OdDbObject* obj, bool erased) override {
+    events.push_back(std::string(erased ? "erased " : "unerased ") + obj->isA()->name().toUtf8());
+  }
+  void goodbye(const OdDbDatabase*) override { events.push_back("goodbye"); }
+};
+
+TEST(DbObject, ALayersColourChangeIsTheOnlyChangeInTheSavedFile) {
+  for (const char* name :
+       {"r2000_zcad_cyrillic_cp1251_48layers.dxf", "r12_libredwg_example.dxf",
+        "bin_r2018_netdxf_sample.dxf", "r2007_cadreproj_korean_utf8_64layers_3mb.dxf"}) {
+    SCOPED_TRACE(name);
+    auto path = dbtest::corpusFile(name);
+    if (path.empty()) GTEST_SKIP() << "the shared corpus is absent";
+    OdDbDatabasePtr db = OdDbDatabase::readFile(path);
+    const std::string original = db->writeBuffer();
+    std::ifstream in(path, std::ios::binary);
+    ASSERT_EQ(original, std::string(std::istreambuf_iterator<char>(in), {}))
+        << "an untouched drawing saves byte for byte";
+
+    OdDbLayerTablePtr table = db->getLayerTableId().safeOpenObject();
+    OdDbSymbolTableIteratorPtr it = table->newIterator();
+    it->step();  // not layer 0: a layer in the middle of the table
+    ASSERT_FALSE(it->done());
+    OdDbObjectId id = it->getRecordId();
+    {
+      OdDbLayerTableRecordPtr layer = id.safeOpenObject(OdDb::kForWrite);
+      layer->setColorIndex(layer->colorIndex() == 5 ? 6 : 5);
+    }
+    const std::string saved = db->writeBuffer();
+    std::vector<std::string> diffs = dbtest::differingObjects(original, saved);
+    ASSERT_EQ(diffs.size(), 1u);
+    EXPECT_EQ(diffs[0].rfind("LAYER", 0), 0u) << diffs[0];
+
+    OdDbDatabasePtr reread = OdDbDatabase::readBuffer(saved, "saved");
+    OdDbLayerTableRecordPtr again = reread->getOdDbObjectId(id.getHandle()).safeOpenObject();
+    OdDbLayerTableRecordPtr before = id.safeOpenObject();
+    EXPECT_EQ(again->colorIndex(), before->colorIndex());
+    EXPECT_EQ(again->isOff(), before->isOff());
+  }
+}
+
+TEST(DbObject, OpeningFollowsTheRulesCallersRelyOn) {
+  OdDbDatabasePtr db = OdDbDatabase::createEmpty();
+  OdDbObjectId zero = db->getLayerZeroId();
+  ASSERT_FALSE(zero.isNull());
+
+  EXPECT_THROW(OdDbObjectId().safeOpenObject(), OdError);
+  EXPECT_TRUE(OdDbObjectId().openObject().isNull());
+  {
+    OdDbLayerTableRecordPtr reader = zero.safeOpenObject();
+    EXPECT_THROW(reader->setColorIndex(3), OdError) << "a setter needs the object open for write";
+    OdDbObjectPtr writer = zero.safeOpenObject(OdDb::kForWrite);
+    try {
+      zero.safeOpenObject(OdDb::kForWrite);
+      FAIL() << "opening for write twice must fail";
+    } catch (const OdError& e) {
+      EXPECT_EQ(e.code(), eWasOpenedForWrite);
+    }
+    OdDbObjectPtr failed;
+    EXPECT_EQ(zero.openObject(failed, OdDb::kForWrite), eWasOpenedForWrite);
+    EXPECT_TRUE(failed.isNull());
+  }
+  // Closed again: write works once more, and a wrong class is refused.
+  EXPECT_NO_THROW(zero.safeOpenObject(OdDb::kForWrite));
+  EXPECT_THROW(OdDbTextPtr(zero.safeOpenObject()), OdError_NotThatKindOfClass);
+  EXPECT_TRUE(OdDbText::cast(zero.safeOpenObject().get()).isNull());
+  EXPECT_EQ(zero.safeOpenObject()->isA()->name(), OdString(L"AcDbLayerTableRecord"));
+
+  // An erased record: gone from lookups and iterators, opened only when asked for.
+  OdDbLayerTablePtr table = db->getLayerTableId().safeOpenObject(OdDb::kForWrite);
+  OdDbLayerTableRecordPtr walls = OdDbLayerTableRecord::createObject();
+  walls->setName(L"Walls");
+  OdDbObjectId wallsId = table->add(walls.get());
+  walls = nullptr;
+  EXPECT_EQ(table->getAt(L"WALLS"), wallsId) << "names compare without regard to case";
+  OdDbLayerTableRecordPtr dup = OdDbLayerTableRecord::createObject();
+  dup->setName(L"walls");
+  EXPECT_THROW(table->add(dup.get()), OdError);
+  wallsId.safeOpenObject(OdDb::kForWrite)->erase();
+  EXPECT_TRUE(table->getAt(L"Walls").isNull());
+  EXPECT_EQ(table->getAt(L"Walls", true), wallsId);
+  int count = 0;
+  for (OdDbSymbolTableIteratorPtr it = table->newIterator(); !it->done(); it->step()) ++count;
+  EXPECT_EQ(count, 1);
+  try {
+    wallsId.safeOpenObject();
+    FAIL() << "opening an erased object must fail";
+  } catch (const OdError& e) {
+    EXPECT_EQ(e.code(), eWasErased);
+  }
+  EXPECT_NO_THROW(wallsId.safeOpenObject(OdDb::kForRead, true));
+  table = nullptr;
+  const std::string saved = db->writeBuffer();
+  EXPECT_EQ(saved.find("Walls"), std::string::npos) << "erased records are not saved";
+}
+
+TEST(DbObject, ReactorsHearOfChangesAndNotOfReads) {
+  OdDbDatabasePtr db = OdDbDatabase::createEmpty();
+  auto reactor = OdRxObjectImpl<Recorder>::createObject();
+  db->addReactor(reactor.get());
+  db->addReactor(reactor.get());
+
+  openLayer(*db, L"0", OdDb::kForRead);
+  openLayer(*db, L"0", OdDb::kForWrite);  // opened for write, nothing changed
+  EXPECT_TRUE(reactor->events.empty());
+
+  openLayer(*db, L"0", OdDb::kForWrite)->setIsLocked(true);
+  ASSERT_EQ(reactor->events.size(), 1u) << "one notice per close, not per setter";
+  EXPECT_EQ(reactor->events[0], "modified AcDbLayerTableRecord (says modified)");
+
+  {
+    OdDbLayerTablePtr table = db->getLayerTableId().safeOpenObject(OdDb::kForWrite);
+    OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
+    layer->setName(L"Doors");
+    OdDbObjectId id = table->add(layer.get());
+    layer = nullptr;
+    id.safeOpenObject(OdDb::kForWrite)->erase();
+  }
+  std::vector<std::string> expected{"modified AcDbLayerTableRecord (says modified)",
+                                    "appended AcDbLayerTableRecord", "erased AcDbLayerTableRecord",
+                                    "modified AcDbLayerTableRecord (says modified)",
+                                    "modified AcDbLayerTable (says modified)"};
+  EXPECT_EQ(reactor->events, expected);
+
+  db->removeReactor(reactor.get());
+  openLayer(*db, L"0", OdDb::kForWrite)->setIsLocked(false);
+  EXPECT_EQ(reactor->events.size(), expected.size());
+  db->addReactor(reactor.get());
+  db = nullptr;
+  EXPECT_EQ(reactor->events.back(), "goodbye");
+}
+
+TEST(DbObject, EntitiesMoveBetweenLayersAndStyles) {
+  auto path = dbtest::corpusFile("r2004_ezdxf_text_alignments.dxf");
+  if (path.empty()) GTEST_SKIP() << "the shared corpus is absent";
+  OdDbDatabasePtr db = OdDbDatabase::readFile(path);
+  OdDbBlockTableRecordPtr model = db->getModelSpaceId().safeOpenObject();
+  OdDbLayerTablePtr layers = db->getLayerTableId().safeOpenObject();
+  OdDbObjectId zero = layers->getAt(L"0");
+  int texts = 0, moved = 0;
+  for (OdDbObjectIteratorPtr it = model->newIterator(); !it->done(); it->step()) {
+    OdDbEntityPtr entity = it->entity(OdDb::kForWrite);
+    // Drawings in the wild name layers their table lacks: such an entity has no layer id.
+    if (entity->layerId().isNull()) {
+      EXPECT_NE(entity->layer(), OdString(L"0"));
+    }
+    if (OdDbTextPtr text = OdDbText::cast(entity.get())) {
+      ++texts;
+      EXPECT_FALSE(text->textStyle().isNull()) << text->textStyleName().toUtf8();
+    }
+    if (entity->layerId() != zero) {
+      entity->setLayer(zero);
+      ++moved;
+    }
+    entity->setColorIndex(1);
+  }
+  EXPECT_GT(texts, 0);
+  EXPECT_GT(moved, 0);
+  EXPECT_THROW(OdDbEntityPtr(model->newIterator()->entity(OdDb::kForWrite))
+                   ->setLayer(db->getLinetypeContinuousId()),
+               OdError)
+      << "a linetype is not a layer";
+
+  testsupport::TempDir dir;
+  db->writeFile(dir.path() / "moved.dxf");
+  auto check = dbtest::ezdxf(
+      "doc = ezdxf.readfile(path)\n"
+      "bad = [e for e in doc.modelspace() if e.dxf.layer != '0' or e.dxf.color != 1]\n"
+      "print(len(bad), len(doc.modelspace()))\n",
+      dir.path() / "moved.dxf");
+  EXPECT_EQ(check.exitCode, 0) << check.output;
+  EXPECT_EQ(check.output.rfind("0 ", 0), 0u) << check.output;
+}
+
+}  // namespace
