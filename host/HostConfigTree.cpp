@@ -215,17 +215,23 @@ Json HostConfigTree::freshDocument() {
 }
 
 void HostConfigTree::load() {
-  std::ifstream in(file_, std::ios::binary);
-  if (!in) {
-    // A missing file is the first run; an unreadable one is reported and left alone.
-    std::error_code ec;
-    if (fs::exists(file_, ec))
-      warn("cannot read configuration file " + file_.string() + ": " + systemError(errno) +
-           "; using a fresh configuration");
+  std::error_code ec;
+  fs::file_status status = fs::status(file_, ec);
+  if (!fs::exists(status)) return;  // the first run
+  // Only a file that was read can be judged corrupt; anything else is left alone.
+  if (!fs::is_regular_file(status)) {
+    warn("cannot read configuration file " + file_.string() +
+         ": it is not a file; using a fresh configuration");
     return;
   }
+  std::ifstream in(file_, std::ios::binary);
   std::stringstream text;
-  text << in.rdbuf();
+  if (in) text << in.rdbuf();
+  if (!in || in.bad()) {
+    warn("cannot read configuration file " + file_.string() + ": " + systemError(errno) +
+         "; using a fresh configuration");
+    return;
+  }
   std::string problem;
   Json doc;
   try {
@@ -247,7 +253,6 @@ void HostConfigTree::load() {
   fs::path aside = file_.string() + ".corrupt-" + utcTimestamp();
   for (int n = 2; fs::exists(aside); ++n)
     aside = file_.string() + ".corrupt-" + utcTimestamp() + "-" + std::to_string(n);
-  std::error_code ec;
   fs::rename(file_, aside, ec);
   if (ec) {
     warn("configuration file " + file_.string() + " is corrupt (" + problem +

@@ -1,0 +1,234 @@
+// The configuration tree as a file on disk: kept across host runs in separate processes,
+// set aside when corrupt, never seen half-written.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "HostConfigKey.h"
+#include "HostConfigTree.h"
+#include "HostEntryPoints.h"
+#include "HostTestSupport.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Runs `body` in a child process and returns its exit code (-1 when it did not exit).
+template <class Body>
+int inChildProcess(Body body) {
+  std::fflush(nullptr);
+  pid_t pid = fork();
+  if (pid == 0) {
+    int code = 1;
+    try {
+      code = body();
+    } catch (...) {
+      code = 3;
+    }
+    std::fflush(nullptr);
+    _exit(code);
+  }
+  int status = 0;
+  waitpid(pid, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::vector<std::string> names(HostConfigNames e) {
+  std::vector<std::string> out;
+  for (std::string n; e.next(n);) out.push_back(n);
+  return out;
+}
+
+std::vector<std::string> filesIn(const fs::path& dir) {
+  std::vector<std::string> out;
+  for (const auto& entry : fs::directory_iterator(dir)) out.push_back(entry.path().filename());
+  std::sort(out.begin(), out.end());
+  return out;
+}
+
+std::string readAll(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+TEST(HostConfigTree, ValuesPersistAcrossHostRunsInTwoProcesses) {
+  testsupport::TempDir dir;
+  const fs::path file = dir.path() / "sub" / "config.json";
+
+  int code = inChildProcess([&] {
+    HeadlessHost host(HeadlessHost::Options{file, nullptr});
+    HostConfigKeyPtr cmddata = host.app().configRoot()->openSubkey("cmddata", false);
+    if (!cmddata) return 10;
+    HostConfigKeyPtr mine = cmddata->openSubkey("StandardsAudit", true);
+    HostConfigKeyPtr plugins = mine->openSubkey("Plugins", true);
+    for (const char* name :
+         {"StDWSLayerPlugin", "StDWSLinetypePlugin", "StDWSTextstylePlugin", "StDWSDimstylePlugin"})
+      if (!plugins->openSubkey(name, true)->setValue("PluginInUse", OdVariant(std::int32_t(1))))
+        return 11;
+    bool ok = mine->setValue("autoFixCommands", OdVariant(std::int32_t(18))) &&
+              mine->setValue("preferredFile", OdVariant(OdString(L"C:\\std\\Büro.dws"))) &&
+              mine->setValue("autoFixProperties", OdVariant(true)) &&
+              mine->setValue("scale", OdVariant(0.25));
+    return ok ? 0 : 12;
+  });
+  ASSERT_EQ(code, 0);
+  EXPECT_EQ(filesIn(file.parent_path()), std::vector<std::string>{"config.json"});
+
+  HeadlessHost host(HeadlessHost::Options{file, nullptr});
+  HostConfigKeyPtr mine =
+      host.app().configRoot()->openSubkey("cmddata", false)->openSubkey("StandardsAudit", false);
+  ASSERT_FALSE(mine.isNull());
+  OdVariant v;
+  ASSERT_TRUE(mine->getValue("autoFixCommands", v));
+  EXPECT_EQ(v.varType(), OdVariant::kInt32);
+  EXPECT_EQ(v.getInt32(), 18);
+  ASSERT_TRUE(mine->getValue("preferredFile", v));
+  EXPECT_EQ(v.getString(), OdString(L"C:\\std\\Büro.dws"));
+  ASSERT_TRUE(mine->getValue("autoFixProperties", v));
+  EXPECT_EQ(v.varType(), OdVariant::kBool);
+  ASSERT_TRUE(mine->getValue("scale", v));
+  EXPECT_EQ(v.getDouble(), 0.25);
+  EXPECT_FALSE(mine->getValue("showIgnoredProblems", v));
+  // Creation order, not alphabetical order.
+  EXPECT_EQ(names(mine->openSubkey("Plugins", false)->subkeys()),
+            (std::vector<std::string>{"StDWSLayerPlugin", "StDWSLinetypePlugin",
+                                      "StDWSTextstylePlugin", "StDWSDimstylePlugin"}));
+  EXPECT_EQ(names(mine->values()), (std::vector<std::string>{"autoFixCommands", "preferredFile",
+                                                             "autoFixProperties", "scale"}));
+}
+
+TEST(HostConfigTree, KeysAreOpenedCreatedAndDeletedAsAsked) {
+  testsupport::TempDir dir;
+  auto tree = HostConfigTree::open(dir.path() / "config.json");
+  HostConfigKeyPtr root = HostConfigKey::root(tree);
+  EXPECT_EQ(names(root->subkeys()), std::vector<std::string>{"cmddata"}) << "a fresh tree";
+  EXPECT_FALSE(fs::exists(dir.path() / "config.json")) << "written at the first change";
+
+  HostConfigKeyPtr lib = root->openSubkey("cmddata", false)->openSubkey("Lib", true);
+  EXPECT_TRUE(root->openSubkey("cmddata", false)->openSubkey("Other", false).isNull());
+  EXPECT_EQ(names(root->openSubkey("cmddata", false)->subkeys()), std::vector<std::string>{"Lib"});
+  ASSERT_TRUE(lib->setValue("PluginDll", OdVariant(OdString(L"StStandardPlugins.dll"))));
+  EXPECT_FALSE(lib->setValue("object", OdVariant(OdRxObjectPtr()))) << "not a kept type";
+  EXPECT_FALSE(lib->setValue("", OdVariant(std::int32_t(1))));
+
+  // A handle to a deleted key fails safely and does not bring the key back.
+  ASSERT_TRUE(root->openSubkey("cmddata", false)->deleteSubkey("Lib"));
+  OdVariant v;
+  EXPECT_FALSE(lib->getValue("PluginDll", v));
+  EXPECT_FALSE(lib->setValue("PluginDll", OdVariant(std::int32_t(1))));
+  EXPECT_TRUE(lib->openSubkey("Sub", true).isNull());
+  EXPECT_FALSE(tree->hasKey({"cmddata", "Lib"}));
+}
+
+TEST(HostConfigTree, CorruptFileIsSetAsideWithOneWarning) {
+  testsupport::TempDir dir;
+  const fs::path file = dir.path() / "config.json";
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"{\"format\": 1, \"root\": {\"keys\": {", "parse error"},
+      {"[1, 2]", "no \"root\" key"},
+      {"{\"format\": 1, \"root\": {\"keys\": {}, \"values\": {\"x\": {\"int32\": 1e99}}}}",
+       "value \"x\" of the root key is not a typed value"},
+      {"{\"format\": 1, \"root\": {\"keys\": {\"a\": 3}, \"values\": {}}}",
+       "key \"a\" is not an object"},
+  };
+  for (const auto& [text, why] : cases) {
+    for (const auto& entry : fs::directory_iterator(dir.path())) fs::remove(entry.path());
+    std::ofstream(file) << text;
+    testing::internal::CaptureStderr();
+    {
+      HeadlessHost host(HeadlessHost::Options{file, nullptr});
+      EXPECT_FALSE(host.app().configRoot()->openSubkey("cmddata", false).isNull()) << why;
+    }
+    std::string warning = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(hosttest::count(warning, "\n"), 1u) << warning;
+    EXPECT_NE(warning.find("configuration file " + file.string() + " is corrupt"),
+              std::string::npos)
+        << warning;
+    EXPECT_NE(warning.find(why), std::string::npos) << warning;
+
+    auto files = filesIn(dir.path());
+    ASSERT_EQ(files.size(), 1u) << text;
+    EXPECT_TRUE(files[0].starts_with("config.json.corrupt-")) << files[0];
+    EXPECT_EQ(readAll(dir.path() / files[0]), text) << "kept as it was, for the user";
+  }
+}
+
+TEST(HostConfigTree, ReadersNeverSeeAHalfWrittenFile) {
+  testsupport::TempDir dir;
+  const fs::path file = dir.path() / "config.json";
+  HostConfigTree::open(file)->save();
+  const std::string big(20000, 'x');
+
+  pid_t writer = fork();
+  if (writer == 0) {
+    auto tree = HostConfigTree::open(file);
+    for (int i = 0; i < 150; ++i)
+      tree->setValue({"cmddata"}, "v" + std::to_string(i % 7),
+                     OdVariant(OdString::fromUtf8(big + std::to_string(i))));
+    _exit(0);
+  }
+  int reads = 0;
+  int status = 0;
+  while (waitpid(writer, &status, WNOHANG) == 0) {
+    std::string text = readAll(file);
+    ++reads;
+    EXPECT_TRUE(nlohmann::json::accept(text))
+        << "read " << reads << ": " << text.size() << " bytes";
+    if (HasFailure()) break;
+  }
+  ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  RecordProperty("reads", reads);
+  EXPECT_EQ(filesIn(dir.path()), std::vector<std::string>{"config.json"}) << "no temporary left";
+  EXPECT_EQ(HostConfigTree::open(file)->getValue({"cmddata"}, "v5")->getString(),
+            OdString::fromUtf8(big + "145"));
+}
+
+TEST(HostConfigTree, FailedSaveKeepsTheOldFileAndWarns) {
+  testsupport::TempDir dir;
+  const fs::path file = dir.path() / "config.json";
+  auto tree = HostConfigTree::open(file);
+  ASSERT_TRUE(tree->setValue({"cmddata"}, "kept", OdVariant(std::int32_t(1))));
+  const std::string before = readAll(file);
+
+  // A second tree whose file cannot be replaced: its path is taken by a folder.
+  const fs::path blocked = dir.path() / "blocked.json";
+  fs::create_directory(blocked);
+  fs::copy_file(file, blocked / "inside.json");
+  auto other = HostConfigTree::open(blocked);
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(other->setValue({"cmddata"}, "lost", OdVariant(std::int32_t(2))));
+  EXPECT_FALSE(other->setValue({"cmddata"}, "lost2", OdVariant(std::int32_t(3))));
+  std::string warning = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(hosttest::count(warning, "cannot save configuration file"), 1u) << warning;
+  EXPECT_EQ(other->getValue({"cmddata"}, "lost")->getInt32(), 2) << "kept for this run";
+
+  EXPECT_EQ(readAll(file), before);
+  EXPECT_EQ(filesIn(dir.path()), (std::vector<std::string>{"blocked.json", "config.json"}));
+  EXPECT_EQ(filesIn(blocked), std::vector<std::string>{"inside.json"});
+}
+
+TEST(HostConfigTree, FileIsChosenFromTheEnvironment) {
+  const char* keep = std::getenv("STAUDIT_CONFIG");
+  const char* keepXdg = std::getenv("XDG_CONFIG_HOME");
+  setenv("STAUDIT_CONFIG", "/tmp/x/settings.json", 1);
+  EXPECT_EQ(HostConfigTree::defaultPath(), fs::path("/tmp/x/settings.json"));
+  unsetenv("STAUDIT_CONFIG");
+  setenv("XDG_CONFIG_HOME", "/tmp/xdg", 1);
+  EXPECT_EQ(HostConfigTree::defaultPath(), fs::path("/tmp/xdg/standards-audit/config.json"));
+  unsetenv("XDG_CONFIG_HOME");
+  EXPECT_TRUE(
+      HostConfigTree::defaultPath().string().ends_with("/.config/standards-audit/config.json"));
+  if (keep) setenv("STAUDIT_CONFIG", keep, 1);
+  if (keepXdg) setenv("XDG_CONFIG_HOME", keepXdg, 1);
+}
+
+}  // namespace
