@@ -194,7 +194,9 @@ OdDbObjectId OdDbObject::ownerId() const {
 
 OdResult OdDbObject::erase(bool erasing) {
   if (!stub_) return eNullObjectId;
-  assertWriteEnabled();
+  // Needs write access, but erasing is told as objectErased, not as a modification.
+  if (mode_ != OdDb::kForWrite)
+    throw OdError(eNotOpenForWrite, "the " + describe(*this) + " is not open for write");
   if (stub_->isErased() == erasing) return eOk;
   OdDbDatabaseImpl& impl = stub_->db->impl();
   if (erasing) {

@@ -65,7 +65,8 @@ class OdDbObject : public OdRxObject {
 
   // Erases (or with false unerases) the object; needs it open for write. An erased object is
   // left out of iterators and out of the saved file; erasing an entry of a dictionary takes
-  // it out of the dictionary (unerasing does not put it back). Sends objectErased.
+  // it out of the dictionary (unerasing does not put it back). Sends objectErased only: an
+  // erased object does not count as modified.
   OdResult erase(bool erasing = true);
 
   // The extension dictionary named by the object's 102 {ACAD_XDICTIONARY group, or null.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OdRxMacros.h"
 #include "OdRxObject.h"
 #include "OdRxObjectImpl.h"
 #include "OdSmartPtr.h"
@@ -17,8 +18,12 @@ inline constexpr OdRxApiVersion kOdRxApiVersion = 1;
 // entry points with ODRX_DEFINE_MODULE(ItsClass). The linker creates the object once per
 // load, calls initApp after loading and uninitApp before unloading; a module registers its
 // run-time classes in initApp and removes them in uninitApp.
+//
+// Its run-time class "OdRxModule" is registered by TD_Root itself, like OdRxObject's.
 class OdRxModule : public OdRxObject {
  public:
+  ODRX_DECLARE_MEMBERS(OdRxModule);
+
   virtual void initApp() = 0;
   virtual void uninitApp() = 0;
 

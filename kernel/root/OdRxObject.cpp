@@ -1,14 +1,20 @@
 #include "OdRxObject.h"
 
 #include "OdRxClass.h"
+#include "OdRxModule.h"
 
 OdRxClass* OdRxObject::g_pDesc = nullptr;
 
-// Registers OdRxObject's class while TD_Root loads, before any other library can register a
-// class under it. It is never unregistered: descriptors of other classes point at it for as
-// long as the process may use them.
+// Registers the kernel's own run-time classes while TD_Root loads, before any other library
+// can register a class under them. They are registered here together, parents first, because
+// the order in which the library's files are initialised is unspecified. They are never
+// unregistered: descriptors of other classes point at them for as long as the process may
+// use them.
 struct OdRxObjectRegistrar {
-  OdRxObjectRegistrar() { OdRxObject::g_pDesc = newOdRxClass(OdString(L"OdRxObject"), nullptr); }
+  OdRxObjectRegistrar() {
+    OdRxObject::g_pDesc = newOdRxClass(OdString(L"OdRxObject"), nullptr);
+    OdRxModule::rxInit();
+  }
 };
 static const OdRxObjectRegistrar g_registerOdRxObject;
 

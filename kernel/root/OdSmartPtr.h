@@ -19,6 +19,8 @@
 //    through obj->queryX(T::desc()). An object that is not a T throws
 //    OdError_NotThatKindOfClass; T::cast(obj) is the form that gives null instead.
 // A null pointer is accepted everywhere and gives a null smart pointer.
+// The check is as precise as T's run-time class: a class that does not declare its own
+// run-time members (ODRX_DECLARE_MEMBERS) is checked as its nearest base that does.
 template <class T>
 class OdSmartPtr {
  public:

@@ -149,7 +149,6 @@ TEST(DbObject, ReactorsHearOfChangesAndNotOfReads) {
   }
   std::vector<std::string> expected{"modified AcDbLayerTableRecord (says modified)",
                                     "appended AcDbLayerTableRecord", "erased AcDbLayerTableRecord",
-                                    "modified AcDbLayerTableRecord (says modified)",
                                     "modified AcDbLayerTable (says modified)"};
   EXPECT_EQ(reactor->events, expected);
 

@@ -52,9 +52,9 @@ TEST(ModuleLoaderTest, LoadsFindsAndUnloadsTheTestModule) {
   OdRxModule* module = linker->loadModule(OdString(L"RxTestModule.DLL"), false).get();
   ASSERT_NE(module, nullptr);
   EXPECT_TRUE(module->moduleName() == L"RxTestModule");
-  EXPECT_TRUE(module->moduleFileName() == OdString(STAUDIT_BIN_DIR "/libRxTestModule.so") ||
-              module->moduleFileName() ==
-                  OdString(fs::canonical(STAUDIT_BIN_DIR "/libRxTestModule.so").string()));
+  EXPECT_TRUE(module->isKindOf(OdRxModule::desc()));
+  EXPECT_TRUE(module->moduleFileName() ==
+              OdString(fs::canonical(STAUDIT_BIN_DIR "/libRxTestModule.so").string()));
   EXPECT_EQ(module->numRefs(), 1) << "the linker keeps one reference, the caller none";
   EXPECT_EQ(linker->loadModule(OdString(L"RxTestModule"), false).get(), module);
   EXPECT_EQ(linker->getModule(OdString(L"libRxTestModule.so")).get(), module);
@@ -117,8 +117,8 @@ TEST(ModuleLoaderTest, SearchPathFromTheEnvironmentAndBrokenFiles) {
   ModulePathOverride path(dir.path());
   OdRxDynamicLinker* linker = odrxDynamicLinker();
   ASSERT_GE(linker->searchPath().size(), 2u);
-  EXPECT_TRUE(linker->searchPath()[0] == OdString(fs::path(STAUDIT_BIN_DIR).string()) ||
-              linker->searchPath()[0] == OdString(fs::canonical(STAUDIT_BIN_DIR).string()));
+  EXPECT_EQ(fs::path(linker->searchPath()[0].toUtf8()), fs::canonical(STAUDIT_BIN_DIR))
+      << "the executable's own directory comes first";
 
   // A copy under another name is found through the environment, as "Name.so" too.
   fs::copy_file(STAUDIT_BIN_DIR "/libRxNoEntryModule.so", dir.path() / "Relocated.so");

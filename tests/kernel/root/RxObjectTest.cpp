@@ -5,6 +5,7 @@
 #include "OdError.h"
 #include "OdRxClassDictionary.h"
 #include "OdRxMacros.h"
+#include "OdRxModule.h"
 
 namespace {
 
@@ -120,20 +121,11 @@ TEST_F(RxObjectTest, WrongClassThrowsOnConstructionAndCastGivesNull) {
   EXPECT_EQ(parent->numRefs(), 1);
 }
 
-TEST_F(RxObjectTest, UnregisteredClassIsNeverMatched) {
-  OdRxObjectPtr stranger = RxStranger::createObject();
-  RxStranger::rxUninit();
-  EXPECT_EQ(RxStranger::desc(), nullptr);
-  EXPECT_EQ(stranger->isA(), nullptr);
-  EXPECT_TRUE(RxStranger::cast(stranger.get()).isNull());
-  EXPECT_FALSE(stranger->isKindOf(OdRxObject::desc()));
-  RxStranger::rxInit();  // for TearDown
-}
-
-TEST(RxObjectRootTest, RootClassIsRegisteredWhenTheLibraryLoads) {
+TEST(RxObjectRootTest, KernelClassesAreRegisteredWhenTheLibraryLoads) {
   ASSERT_NE(OdRxObject::desc(), nullptr);
   EXPECT_EQ(odrxClassDictionary()->getAt(OdString(L"OdRxObject")), OdRxObject::desc());
   EXPECT_EQ(OdRxObject::desc()->myParent(), nullptr);
+  EXPECT_EQ(OdRxModule::desc()->myParent(), OdRxObject::desc());
   EXPECT_TRUE(odrxCreateObject(OdString(L"OdRxObject")).isNull()) << "OdRxObject is abstract";
 }
 
