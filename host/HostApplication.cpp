@@ -1,6 +1,7 @@
 #include "HostApplication.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <exception>
 
@@ -143,4 +144,15 @@ OdString HostApplication::fileNameOf(const OdString& path) {
 
 OdString HostApplication::loginName() {
   return HostUser::loginName();
+}
+
+OdResult HostApplication::formatReal(double value, int unitMode, int precision, OdString& text) {
+  if ((unitMode != 1 && unitMode != 2) || precision < -1 || precision > 8 || !std::isfinite(value))
+    return eInvalidInput;
+  if (precision == -1) {
+    OdDbDatabase* db = currentDatabase();
+    precision = db ? db->getLUPREC() : 4;
+  }
+  text = OdString::format(unitMode == 1 ? "%.*E" : "%.*f", precision, value);
+  return eOk;
 }

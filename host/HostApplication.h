@@ -89,6 +89,7 @@ class HostApplication : public HostServices {
   OdResBufPtr getSysVar(const OdString& name) override;
   OdResult setSysVar(const OdString& name, const OdResBuf* value) override;
   OdString translate(const OdString& text) override { return translation_.translate(text); }
+  OdResult formatReal(double value, int unitMode, int precision, OdString& text) override;
   bool showHelp(const OdString& topic) override;
   bool fileExists(const OdString& path) override;
   OdString fileNameOf(const OdString& path) override;

@@ -70,6 +70,11 @@ class HostServices {
   // ---- texts, help, files, user
   // The interface text in the user's language (itself when there is no translation).
   virtual OdString translate(const OdString& text) = 0;
+  // Writes a real as the drawing shows lengths, in `unitMode` 1 (scientific) or 2 (decimal),
+  // with `precision` places after the point, 0-8; -1 takes the current drawing's $LUPREC
+  // (4 with no drawing open). Returns eOk with `text` set, or eInvalidInput (`text` left as
+  // it was) for another mode, a precision outside -1..8, or a value that is not finite.
+  virtual OdResult formatReal(double value, int unitMode, int precision, OdString& text) = 0;
   // Shows the help page of a topic; false, with a line on the command line, when there is no
   // such page or it cannot be shown.
   virtual bool showHelp(const OdString& topic) = 0;

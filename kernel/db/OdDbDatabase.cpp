@@ -85,6 +85,18 @@ bool OdDbDatabase::isBinary() const {
 OdString OdDbDatabase::encoding() const {
   return OdString::fromUtf8(impl_->doc().codec().codePage());
 }
+int OdDbDatabase::getLUPREC() const {
+  const DxfDocument& doc = impl_->doc();
+  std::vector<DxfTag> values = doc.headerVariable("$LUPREC");
+  if (values.empty()) return 4;
+  std::int64_t places = 4;
+  try {
+    places = doc.integer(values.front());
+  } catch (const OdError&) {
+    // A value that is not a number reads as the default, as a missing one does.
+  }
+  return places >= 0 && places <= 8 ? static_cast<int>(places) : 4;
+}
 
 OdDbObjectId OdDbDatabase::getNamedObjectsDictionaryId() const {
   return OdDbObjectId(impl_->namedObjects());

@@ -55,6 +55,9 @@ class OdDbDatabase : public OdRxObject {
   bool isBinary() const;
   // The code page strings are decoded with, as ICU names it ("windows-1252", "UTF-8").
   OdString encoding() const;
+  // The number of decimal places lengths are shown with ($LUPREC), 0-8; 4 when the file has
+  // none or a value outside that range.
+  int getLUPREC() const;
 
   // Well-known objects; null ids when the drawing lacks them (a release-12 file has no
   // named-object dictionary).

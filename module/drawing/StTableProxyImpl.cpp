@@ -1,0 +1,25 @@
+#include "StTableProxyImpl.h"
+
+#include "OdDbSymbolTable.h"
+#include "OdError.h"
+
+namespace st {
+
+std::uint32_t StTableProxyImpl::count() const {
+  return ids_.size();
+}
+
+OdDbObjectId StTableProxyImpl::getAt(std::uint32_t index) const {
+  if (index >= ids_.size()) throw OdError_InvalidIndex(index, ids_.size());
+  return ids_[index];
+}
+
+bool StTableProxyImpl::fill(const OdDbObjectId& tableId) {
+  if (tableId.isNull()) return false;
+  OdDbSymbolTablePtr table = tableId.safeOpenObject();
+  for (OdDbSymbolTableIteratorPtr it = table->newIterator(true, true); !it->done(); it->step())
+    ids_.append(it->getRecordId());
+  return true;
+}
+
+}  // namespace st
