@@ -36,6 +36,10 @@ case "${1:-}" in
     install_packages
     build build
     build/bin/stcheck --version
+    echo "== the example drawing"
+    build/bin/stcheck info examples/floor-plan.dxf
+    echo "== the office standards it is to follow"
+    build/bin/stcheck info examples/office-standards.dws
     ;;
   test)
     install_packages

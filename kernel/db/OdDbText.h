@@ -14,6 +14,14 @@ class OdDbText : public OdDbEntity {
   // eInvalidInput for a record of another table, eWasErased).
   void setTextStyle(const OdDbObjectId& id);
 
+  // The text shown (group 1), its insertion point (10, 20, 30) and its height (40). Setting
+  // needs the entity open for write.
+  OdString textString() const;
+  void setTextString(const OdString& text);
+  void setPosition(double x, double y, double z = 0.0);
+  double height() const;
+  void setHeight(double height);
+
  protected:
   OdDbText() = default;
   void initNewObject() override;

@@ -203,3 +203,31 @@ TEST(DbObject, EntitiesMoveBetweenLayersAndStyles) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(DbObject, ANewTextInModelSpaceIsWrittenAsEzdxfReadsIt) {
+  OdDbDatabasePtr db = OdDbDatabase::createEmpty();
+  {
+    OdDbBlockTableRecordPtr ms = db->getModelSpaceId().safeOpenObject(OdDb::kForWrite);
+    OdDbTextPtr text = OdDbText::createObject();
+    ms->appendOdDbEntity(text.get());
+    text->setTextString(OdString(L"Cote 2,50 — Ébauche"));
+    text->setPosition(10.0, -5.0);
+    text->setHeight(3.5);
+    EXPECT_TRUE(text->textString() == L"Cote 2,50 — Ébauche");
+    EXPECT_EQ(text->height(), 3.5);
+  }
+  testsupport::TempDir dir;
+  db->writeFile(dir.path() / "text.dxf");
+  auto result = dbtest::ezdxf(
+      "doc = ezdxf.readfile(path)\n"
+      "t = doc.modelspace().query('TEXT')[0]\n"
+      "print(t.dxf.text, tuple(t.dxf.insert), t.dxf.height, len(doc.audit().errors))\n",
+      dir.path() / "text.dxf");
+  ASSERT_EQ(result.exitCode, 0) << result.output;
+  EXPECT_NE(result.output.find("Cote 2,50 — Ébauche (10.0, -5.0, 0.0) 3.5 0"), std::string::npos)
+      << result.output;
+}
+
+}  // namespace
