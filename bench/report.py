@@ -66,6 +66,25 @@ def pair(figures):
     return f"{figures[0]:5.0f} ({figures[1]:5.0f})"
 
 
+def figures(runs, probe, peer, load_kind, save_kind):
+    """One file's figures: size in MB; our load, ezdxf's, the ratio; the same for save; our
+    peak memory and net peak as multiples of the size, and ezdxf's peak."""
+    size = probe.get("bytes") or peer.get("bytes")
+    mb = size / 1e6 if size else None
+    load, save = runs.get(load_kind), runs.get(save_kind)
+    peer_load = mb / peer["load_seconds"] if mb and "load_seconds" in peer else None
+    peer_save = mb / peer["save_seconds"] if mb and "save_seconds" in peer else None
+    load_ratio = load[0] / peer_load if load and peer_load else None
+    save_ratio = save[0] / peer_save if save and peer_save else None
+    peak = net = peer_peak = None
+    if size and "peak_rss_kb" in probe:
+        peak = probe["peak_rss_kb"] * 1024 / size
+        net = (probe["peak_rss_kb"] - probe["baseline_rss_kb"]) * 1024 / size
+    if size and "load_peak_rss_kb" in peer:
+        peer_peak = peer["load_peak_rss_kb"] * 1024 / size
+    return (mb, load, peer_load, load_ratio, save, peer_save, save_ratio, peak, net, peer_peak)
+
+
 def main():
     if len(sys.argv) < 6:
         sys.exit("usage: report.py OURS_JSON PROBES_JSONL DB_PROBES_JSONL EZDXF_JSONL FILE...")
@@ -86,21 +105,9 @@ def main():
     for name in sorted(ours, key=lambda n: (not n.startswith("bench_"), n)):
         runs = ours[name]
         binary = is_binary(paths[name]) if name in paths else False
-        probe = probes.get(name, {})
         peer = ezdxf.get(name, {})
-        size = probe.get("bytes") or peer.get("bytes")
-        mb = size / 1e6 if size else None
-        load, save = runs.get("Load"), runs.get("Save")
-        peer_load = mb / peer["load_seconds"] if mb and "load_seconds" in peer else None
-        peer_save = mb / peer["save_seconds"] if mb and "save_seconds" in peer else None
-        peak = net = peer_peak = None
-        if size and "peak_rss_kb" in probe:
-            peak = probe["peak_rss_kb"] * 1024 / size
-            net = (probe["peak_rss_kb"] - probe["baseline_rss_kb"]) * 1024 / size
-        if size and "load_peak_rss_kb" in peer:
-            peer_peak = peer["load_peak_rss_kb"] * 1024 / size
-        load_ratio = load[0] / peer_load if load and peer_load else None
-        save_ratio = save[0] / peer_save if save and peer_save else None
+        (mb, load, peer_load, load_ratio, save, peer_save, save_ratio, peak, net,
+         peer_peak) = figures(runs, probes.get(name, {}), peer, "Load", "Save")
         to_memory = runs.get("SaveToMemory", (None,))[0]
         convert = runs.get("Convert", (None,))[0]
         print(f"{name[:44]:44} {'bin' if binary else 'asc':3} {fmt(mb, 6, 1)} | {pair(load)} "
@@ -145,21 +152,9 @@ def database_table(ours, db_probes, ezdxf, paths):
     for name in sorted(ours, key=lambda n: (not n.startswith("bench_"), n)):
         runs = ours[name]
         binary = is_binary(paths[name]) if name in paths else False
-        probe = db_probes.get(name, {})
-        peer = ezdxf.get(name, {})
-        size = probe.get("bytes") or peer.get("bytes")
-        mb = size / 1e6 if size else None
-        load, save = runs.get("DbLoad"), runs.get("DbSave")
-        peer_load = mb / peer["load_seconds"] if mb and "load_seconds" in peer else None
-        peer_save = mb / peer["save_seconds"] if mb and "save_seconds" in peer else None
-        load_ratio = load[0] / peer_load if load and peer_load else None
-        save_ratio = save[0] / peer_save if save and peer_save else None
-        peak = net = peer_peak = None
-        if size and "peak_rss_kb" in probe:
-            peak = probe["peak_rss_kb"] * 1024 / size
-            net = (probe["peak_rss_kb"] - probe["baseline_rss_kb"]) * 1024 / size
-        if size and "load_peak_rss_kb" in peer:
-            peer_peak = peer["load_peak_rss_kb"] * 1024 / size
+        (mb, load, peer_load, load_ratio, save, peer_save, save_ratio, peak, net,
+         peer_peak) = figures(runs, db_probes.get(name, {}), ezdxf.get(name, {}), "DbLoad",
+                              "DbSave")
         print(f"{name[:44]:44} {'bin' if binary else 'asc':3} {fmt(mb, 6, 1)} | {pair(load)} "
               f"{fmt(peer_load, 6, 1)} {fmt(load_ratio, 5)} | {pair(save)} "
               f"{fmt(peer_save, 6, 1)} {fmt(save_ratio, 5)} | {fmt(peak, 5, 2)} net "
