@@ -390,7 +390,9 @@ void DxfReader::parseBinary() {
                                              valueEnd - valueBegin));
     }
     addTag(code, valueBegin, valueEnd, DxfTag::kBinaryForm);
-    if (code == 0 && valueEnd - valueBegin == 3 && std::memcmp(base + valueBegin, "EOF", 3) == 0) {
+    // Blanks around EOF are allowed as in ASCII files, so that a converted file reads back.
+    if (code == 0 && isEof(std::string_view(reinterpret_cast<const char*>(base) + valueBegin,
+                                            valueEnd - valueBegin))) {
       finishObject(p);
       sawEof_ = true;
       doc_.trailerBegin_ = static_cast<std::uint32_t>(p);

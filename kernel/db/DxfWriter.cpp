@@ -92,6 +92,20 @@ std::string DxfWriter::toBytes() const {
 
 namespace {
 
+// One-byte group codes are told from two-byte ones by the first tag of the file alone: "0"
+// with a non-empty value, or the escaped comment code 999. A document that starts otherwise
+// is written with two-byte codes whatever its release, or it would not read back.
+bool startsRecognisably(const DxfDocument& doc) {
+  bool first = true, recognisable = false;
+  doc.forEachObject([&](const DxfObject& object) {
+    if (!first || object.size() == 0) return;
+    first = false;
+    const int code = object.tag(0).code;
+    recognisable = code == 999 || (code == 0 && !object.rawValue(0).empty());
+  });
+  return recognisable;
+}
+
 // Encodes tags of one document in one target layout.
 class TagEncoder {
  public:
@@ -102,7 +116,9 @@ class TagEncoder {
       layout_.crlf = true;
       layout_.codeWidth = 3;
     } else {
-      layout_.twoByteCodes = doc.versionNumber() >= 1012;
+      // A file of unknown release is written as a current one.
+      const int version = doc.versionNumber();
+      layout_.twoByteCodes = version == 0 || version >= 1012 || !startsRecognisably(doc);
     }
   }
 
