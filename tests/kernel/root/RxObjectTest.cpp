@@ -6,6 +6,7 @@
 #include "OdRxClassDictionary.h"
 #include "OdRxMacros.h"
 #include "OdRxModule.h"
+#include "TestSupport.h"
 
 namespace {
 
@@ -127,6 +128,27 @@ TEST(RxObjectRootTest, KernelClassesAreRegisteredWhenTheLibraryLoads) {
   EXPECT_EQ(OdRxObject::desc()->myParent(), nullptr);
   EXPECT_EQ(OdRxModule::desc()->myParent(), OdRxObject::desc());
   EXPECT_TRUE(odrxCreateObject(OdString(L"OdRxObject")).isNull()) << "OdRxObject is abstract";
+}
+
+}  // namespace
+
+namespace {
+
+// Reference counting done wrong must not go unseen: in the sanitizer build a reference that
+// is never released is reported as a leak when the program ends.
+TEST(RxObjectLeakTest, AnUnreleasedReferenceIsReportedInTheSanitizerBuild) {
+#if defined(__SANITIZE_ADDRESS__)
+  const std::string probe = STAUDIT_BIN_DIR "/rx_leak_probe";
+  auto balanced = testsupport::runCommand("ASAN_OPTIONS=detect_leaks=1 " + probe + " balanced");
+  EXPECT_EQ(balanced.exitCode, 0) << balanced.output;
+  auto leaked = testsupport::runCommand("ASAN_OPTIONS=detect_leaks=1 " + probe + " leak");
+  EXPECT_NE(leaked.exitCode, 0);
+  EXPECT_NE(leaked.output.find("detected memory leaks"), std::string::npos) << leaked.output;
+  EXPECT_NE(leaked.output.find("odrxAlloc"), std::string::npos)
+      << "the report names the kernel allocation: " << leaked.output;
+#else
+  GTEST_SKIP() << "the leak checker runs in the AddressSanitizer build only";
+#endif
 }
 
 }  // namespace
