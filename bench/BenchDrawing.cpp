@@ -151,11 +151,11 @@ void BenchDrawing::header() {
   }
   // Above every handle this drawing uses: table records, blocks of up to ten entities, and
   // entities of up to ten handles each (an R12 polyline with its vertices), xrecords.
-  const std::uint64_t seed = handleSeed_ + options_.layers + options_.linetypes +
-                             options_.textStyles + 16 + (options_.blocks + 2) * 102 +
-                             options_.entities * 10 + options_.xrecords + 1024;
+  const std::uint64_t handSeed = handleSeed_ + options_.layers + options_.linetypes +
+                                 options_.textStyles + 16 + (options_.blocks + 2) * 102 +
+                                 options_.entities * 10 + options_.xrecords + 1024;
   s.text(9, "$HANDSEED");
-  s.handle(5, seed);
+  s.handle(5, handSeed);
   s.text(0, "ENDSEC");
 }
 

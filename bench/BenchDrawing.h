@@ -15,7 +15,7 @@
 //
 // Two versions: R2018 (AC1032, UTF-8 text) and R12 (AC1009) in code-page form: ANSI_1252 bytes
 // for Western European text and \U+XXXX escapes for everything outside that code page. The
-// content depends only on the options (a fixed random seed), so every run writes the same file.
+// content depends only on the options (a fixed random start), so every run writes the same file.
 class BenchDrawing {
  public:
   struct Options {

@@ -132,9 +132,9 @@ void OdDbDatabaseImpl::load(std::unique_ptr<DxfDocument> doc) {
     }
   }
   hasHandles_ = maxHandle != 0;
-  OdDbHandle seed;
-  OdDbHandle::parse(doc_->headerText("$HANDSEED").toUtf8(), seed);
-  nextHandle_ = std::max<std::uint64_t>({maxHandle + 1, seed.value(), 1});
+  OdDbHandle handSeed;
+  OdDbHandle::parse(doc_->headerText("$HANDSEED").toUtf8(), handSeed);
+  nextHandle_ = std::max<std::uint64_t>({maxHandle + 1, handSeed.value(), 1});
   for (OdDbStub* stub : unhandled) {
     stub->handle = nextHandle_++;
     byHandle_[stub->handle] = stub;

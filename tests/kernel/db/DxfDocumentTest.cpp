@@ -83,11 +83,11 @@ TEST(DxfDocument, NewObjectsAndHeaderVariables) {
   EXPECT_EQ(doc->headerText("$ACADVER"), L"AC1032");
   EXPECT_EQ(doc->headerText("$DWGCODEPAGE"), L"ANSI_1252");
   EXPECT_TRUE(doc->headerVariable("$NOSUCHVARIABLE").empty());
-  const std::uint64_t seed = std::stoull(doc->headerText("$HANDSEED").toUtf8(), nullptr, 16);
-  ASSERT_GT(seed, 0u);
+  const std::uint64_t handSeed = std::stoull(doc->headerText("$HANDSEED").toUtf8(), nullptr, 16);
+  ASSERT_GT(handSeed, 0u);
 
   char hex[32];
-  std::snprintf(hex, sizeof hex, "%llX", static_cast<unsigned long long>(seed));
+  std::snprintf(hex, sizeof hex, "%llX", static_cast<unsigned long long>(handSeed));
   DxfSection* entities = doc->findSection("ENTITIES");
   const std::size_t count = entities->size();
   entities->insertObject(
@@ -95,7 +95,7 @@ TEST(DxfDocument, NewObjectsAndHeaderVariables) {
               doc->makeText(8, L"0"), doc->makeRaw(100, "AcDbLine"), doc->makeReal(10, 0.1),
               doc->makeReal(20, 1.0 / 3), doc->makeReal(30, 0), doc->makeReal(11, -1e-300),
               doc->makeReal(21, 123456789.125), doc->makeReal(31, 5e-324)});
-  std::snprintf(hex, sizeof hex, "%llX", static_cast<unsigned long long>(seed + 1));
+  std::snprintf(hex, sizeof hex, "%llX", static_cast<unsigned long long>(handSeed + 1));
   doc->setHeaderVariable("$HANDSEED", {doc->makeRaw(5, hex)});
   doc->setHeaderVariable("$PROJECTNAME", {doc->makeText(1, L"Plan \u00C9")});
 
@@ -107,7 +107,7 @@ TEST(DxfDocument, NewObjectsAndHeaderVariables) {
     ASSERT_EQ(reread->size(), count + 1);
     const DxfObject& line = reread->object(count);
     EXPECT_EQ(line.type(), "LINE");
-    EXPECT_EQ(line.handle(), seed);
+    EXPECT_EQ(line.handle(), handSeed);
     // Doubles written as text read back as the same double.
     EXPECT_EQ(line.real(line.find(10)), 0.1);
     EXPECT_EQ(line.real(line.find(20)), 1.0 / 3);
