@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <cmath>
 
 #include <cerrno>
 #include <charconv>
@@ -149,7 +150,12 @@ class TagEncoder {
         else
           out.append(raw);
       } else if (type == DxfValueType::kDouble) {
-        out.append(DxfGroupCode::formatReal(doc_.real(tag)));
+        const double value = doc_.real(tag);
+        // Text has one "nan" for every not-a-number bit pattern a binary file may hold, so
+        // such a value would come back changed.
+        if (std::isnan(value))
+          doc_.fail(tag, "the value is not a number, which an ASCII file cannot hold");
+        out.append(DxfGroupCode::formatReal(value));
       } else if (type == DxfValueType::kBinary) {
         out.append(DxfGroupCode::formatHex(doc_.rawValue(tag)));
       } else {
