@@ -117,9 +117,8 @@ class TagEncoder {
       layout_.crlf = true;
       layout_.codeWidth = 3;
     } else {
-      // A file of unknown release is written as a current one.
-      const int version = doc.versionNumber();
-      layout_.twoByteCodes = version == 0 || version >= 1012 || !startsRecognisably(doc);
+      // A file without $ACADVER is taken for a release-12 one, as other readers take it.
+      layout_.twoByteCodes = doc.versionNumber() >= 1012 || !startsRecognisably(doc);
     }
   }
 
