@@ -333,8 +333,9 @@ void DxfReader::parseBinary() {
   if (size < p + 2) failAt(p, kNoCode, "unexpected end of file after the binary sentinel");
 
   // From R13 group codes take two bytes; before, one byte with 255 escaping a 2-byte code.
-  // The first tag tells: it is "0 SECTION" (or a comment, 999) in either layout.
-  bool twoByte = base[p] != 255 && (base[p + 1] == 0 || (base[p] == 0xE7 && base[p + 1] == 0x03));
+  // The first tag tells: a one-byte file starts with "0" and a non-empty word (00 'S'...) or
+  // with the escape byte (a comment, 999); anything else is read as two-byte codes.
+  bool twoByte = !(base[p] == 255 || (base[p] == 0 && base[p + 1] != 0));
   doc_.layout_.twoByteCodes = twoByte;
 
   // Every tag takes at least three bytes (see the ASCII reservation).

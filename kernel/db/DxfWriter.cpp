@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
 
 #include "DxfGroupCode.h"
@@ -93,18 +94,32 @@ std::string DxfWriter::toBytes() const {
 
 namespace {
 
-// One-byte group codes are told from two-byte ones by the first tag of the file alone: "0"
-// with a non-empty value, or the escaped comment code 999. A document that starts otherwise
-// is written with two-byte codes whatever its release, or it would not read back.
-bool startsRecognisably(const DxfDocument& doc) {
-  bool first = true, recognisable = false;
+// The first tag of a document, or null when it has none.
+const DxfTag* firstTag(const DxfDocument& doc) {
+  const DxfTag* first = nullptr;
   doc.forEachObject([&](const DxfObject& object) {
-    if (!first || object.size() == 0) return;
-    first = false;
-    const int code = object.tag(0).code;
-    recognisable = code == 999 || (code == 0 && !object.rawValue(0).empty());
+    if (!first && object.size() > 0) first = &object.tag(0);
   });
-  return recognisable;
+  return first;
+}
+
+// Readers tell one-byte group codes from two-byte ones by the first tag alone: one-byte files
+// start with "0" and a non-empty word, or with the escaped comment code 999 (see
+// DxfReader::parseBinary). A document that starts otherwise is written with two-byte codes
+// whatever its release, or it would not read back.
+bool startsAsOneByte(const DxfDocument& doc) {
+  const DxfTag* first = firstTag(doc);
+  return first && (first->code == 999 || (first->code == 0 && !doc.rawValue(*first).empty()));
+}
+
+// Two-byte codes whose low byte is 255, or 0 under a non-zero high byte, look like a one-byte
+// start; a file cannot begin with one.
+void checkTwoByteStart(const DxfDocument& doc) {
+  const DxfTag* first = firstTag(doc);
+  if (!first) return;
+  const auto bits = static_cast<std::uint16_t>(first->code);
+  if ((bits & 0xFF) == 0xFF || ((bits & 0xFF) == 0 && bits != 0))
+    doc.fail(*first, "a binary file cannot start with this group code");
 }
 
 // Encodes tags of one document in one target layout.
@@ -118,7 +133,8 @@ class TagEncoder {
       layout_.codeWidth = 3;
     } else {
       // A file without $ACADVER is taken for a release-12 one, as other readers take it.
-      layout_.twoByteCodes = doc.versionNumber() >= 1012 || !startsRecognisably(doc);
+      layout_.twoByteCodes = doc.versionNumber() >= 1012 || !startsAsOneByte(doc);
+      if (layout_.twoByteCodes) checkTwoByteStart(doc);
     }
   }
 
@@ -144,7 +160,13 @@ class TagEncoder {
       DxfValueType type = DxfGroupCode::valueType(tag.code);
       if (type == DxfValueType::kString) {
         std::string_view raw = doc_.rawValue(tag);
-        if (DxfGroupCode::needsCaretEncoding(raw))
+        // Object types and structure words ("SECTION", "EOF") are read as they stand, never
+        // caret-decoded; a line can hold any of their bytes but a line break.
+        if (tag.code == 0) {
+          if (raw.find_first_of("\r\n") != std::string_view::npos)
+            doc_.fail(tag, "an object type with a line break cannot be written as text");
+          out.append(raw);
+        } else if (DxfGroupCode::needsCaretEncoding(raw))
           out.append(DxfGroupCode::caretEncode(raw));
         else
           out.append(raw);
