@@ -150,17 +150,17 @@ std::string DxfGroupCode::formatHex(std::string_view bytes) {
   return text;
 }
 
-bool DxfGroupCode::needsCaretEncoding(std::string_view bytes) noexcept {
+bool DxfGroupCode::needsCaretEncoding(std::string_view bytes, bool keepTabs) noexcept {
   for (unsigned char c : bytes)
-    if (c < 0x20 || c == '^') return true;
+    if ((c < 0x20 && !(keepTabs && c == '\t')) || c == '^') return true;
   return false;
 }
 
-std::string DxfGroupCode::caretEncode(std::string_view bytes) {
+std::string DxfGroupCode::caretEncode(std::string_view bytes, bool keepTabs) {
   std::string text;
   text.reserve(bytes.size() + 8);
   for (unsigned char c : bytes) {
-    if (c < 0x20) {
+    if (c < 0x20 && !(keepTabs && c == '\t')) {
       text.push_back('^');
       text.push_back(static_cast<char>(c + 0x40));
     } else if (c == '^') {

@@ -79,8 +79,10 @@ class DxfGroupCode {
   // ASCII files write control characters of strings as a caret and a letter ("^J" for a
   // line feed) and a caret as "^ ". decode turns such text back into the string's bytes;
   // encode does the opposite. Both return their input unchanged when there is nothing to do.
-  static bool needsCaretEncoding(std::string_view bytes) noexcept;
-  static std::string caretEncode(std::string_view bytes);
+  // With `keepTabs`, tabs stay as they are: readers trim them around structure words
+  // ("EOF\t"), which must stay recognisable.
+  static bool needsCaretEncoding(std::string_view bytes, bool keepTabs = false) noexcept;
+  static std::string caretEncode(std::string_view bytes, bool keepTabs = false);
   static std::string caretDecode(std::string_view text);
 
  private:

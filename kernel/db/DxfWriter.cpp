@@ -160,14 +160,11 @@ class TagEncoder {
       DxfValueType type = DxfGroupCode::valueType(tag.code);
       if (type == DxfValueType::kString) {
         std::string_view raw = doc_.rawValue(tag);
-        // Object types and structure words ("SECTION", "EOF") are read as they stand, never
-        // caret-decoded; a line can hold any of their bytes but a line break.
-        if (tag.code == 0) {
-          if (raw.find_first_of("\r\n") != std::string_view::npos)
-            doc_.fail(tag, "an object type with a line break cannot be written as text");
-          out.append(raw);
-        } else if (DxfGroupCode::needsCaretEncoding(raw))
-          out.append(DxfGroupCode::caretEncode(raw));
+        // Object types and structure words ("SECTION", "EOF") are recognised with the blanks
+        // around them trimmed, so their tabs are kept rather than caret-encoded.
+        const bool keepTabs = tag.code == 0;
+        if (DxfGroupCode::needsCaretEncoding(raw, keepTabs))
+          out.append(DxfGroupCode::caretEncode(raw, keepTabs));
         else
           out.append(raw);
       } else if (type == DxfValueType::kDouble) {
@@ -202,6 +199,10 @@ class TagEncoder {
     }
     DxfValueType type = DxfGroupCode::valueType(tag.code);
     std::string_view raw = doc_.rawValue(tag);
+    // A text line that holds a carriage return cannot come back from binary: the text writer
+    // ends its lines with one.
+    if (tag.code == 0 && !tag.isBinaryForm() && raw.find('\r') != std::string_view::npos)
+      doc_.fail(tag, "an object type with a carriage return cannot be converted");
     if (tag.isBinaryForm()) {
       if (type == DxfValueType::kBinary) out.push_back(static_cast<char>(raw.size()));
       out.append(raw);
