@@ -215,6 +215,21 @@ void OdRxDynamicLinker::unload(OdRxModule* module) {
   if (lastReference) dlclose(gone.handle);
 }
 
+void* OdRxDynamicLinker::findSymbol(const char* symbol) const {
+  if (!symbol || !*symbol) return nullptr;
+  for (const auto& entry : loaded_) {
+    void* address = dlsym(entry.handle, symbol);
+    if (!address) continue;
+    // dlsym also searches the libraries the module depends on; keep only what lies in the
+    // module's own file.
+    Dl_info info{};
+    if (!dladdr(address, &info) || !info.dli_fname) continue;
+    std::error_code ec;
+    if (fs::equivalent(fs::path(info.dli_fname), fs::path(entry.path), ec)) return address;
+  }
+  return nullptr;
+}
+
 OdArray<OdString> OdRxDynamicLinker::loadedModules() const {
   OdArray<OdString> names;
   for (const auto& entry : loaded_) names.append(entry.module->moduleName());

@@ -49,6 +49,14 @@ class OdRxDynamicLinker {
   // Unloads every module, the last loaded first.
   void unloadAll();
 
+  // The address of the function or variable `symbol` that a loaded module defines itself,
+  // looking through the modules in load order; null when none defines it. A symbol a module
+  // only takes from a library it links against does not count, so a library shared by
+  // several modules answers through the first module that is that library. For a function,
+  // convert the result with reinterpret_cast. The address stays valid while that module is
+  // loaded.
+  void* findSymbol(const char* symbol) const;
+
   // The names of the loaded modules, in load order.
   OdArray<OdString> loadedModules() const;
   // The file a name resolves to on the search path, or the empty string.
