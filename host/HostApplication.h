@@ -32,6 +32,7 @@ class HostFrontend;
 //   CLOSE          closes the current document
 //   SETVAR name value   sets a system variable of the current document
 //   HELP topic     shows a help page
+//   SAVE, SAVEAS file, TRANSMIT folder, IMPORT, PLOT   see HostFileCommands.h
 class HostApplication : public HostServices {
  public:
   struct Options {

@@ -4,6 +4,7 @@
 
 #include "HostApplication.h"
 #include "HostCommandRegistry.h"
+#include "HostFileCommands.h"
 #include "HostSysVars.h"
 #include "OdError.h"
 
@@ -100,4 +101,5 @@ void registerHostBuiltins(HostCommandRegistry& registry) {
   registry.add(L"CLOSE", group, kHostCmdModal, &make<CloseCommand>);
   registry.add(L"SETVAR", group, kHostCmdTransparent, &make<SetVarCommand>);
   registry.add(L"HELP", group, kHostCmdTransparent, &make<HelpCommand>);
+  registerHostFileCommands(registry);
 }

@@ -1,0 +1,14 @@
+#pragma once
+
+class HostCommandRegistry;
+
+// Registers the host's file commands (group "HOSTCORE") in `registry`:
+//   SAVE             saves the current drawing to its file
+//   SAVEAS file      saves it under another name, which the document takes
+//   TRANSMIT folder  copies the drawing as it stands, with the standards files associated with
+//                    it, into the folder (made when missing): a package to hand on
+//   IMPORT, PLOT     say that this host has no importer of other formats and no plotter
+// Each first offers the loaded modules a silent standards check (HostSilentCheck) with its
+// own command bit, then does its work. A command that cannot do its work says why in one
+// line on the command line and returns false.
+void registerHostFileCommands(HostCommandRegistry& registry);
