@@ -8,11 +8,15 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 PACKAGES=(build-essential cmake ninja-build pkg-config libicu-dev nlohmann-json3-dev libcli11-dev
-  libgtest-dev libgmock-dev libbenchmark-dev python3 python3-ezdxf)
+  libgtest-dev libgmock-dev libbenchmark-dev python3)
+# Only the tests need these: an independent DXF reader, a JSON Schema validator and a headless
+# browser read back what stcheck writes.
+TEST_PACKAGES=(python3-ezdxf python3-jsonschema chromium)
 
+# install_packages PACKAGE...
 install_packages() {
   local missing=()
-  for p in "${PACKAGES[@]}"; do
+  for p in "$@"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
   done
   [ ${#missing[@]} -eq 0 ] && return 0
@@ -33,7 +37,7 @@ build() {
 
 case "${1:-}" in
   example)
-    install_packages
+    install_packages "${PACKAGES[@]}"
     build build
     build/bin/stcheck --version
     echo "== the example drawing"
@@ -42,7 +46,7 @@ case "${1:-}" in
     build/bin/stcheck info examples/office-standards.dws
     ;;
   test)
-    install_packages
+    install_packages "${PACKAGES[@]}" "${TEST_PACKAGES[@]}"
     build build
     build build-asan -DSTAUDIT_SANITIZE=ON
     status=0

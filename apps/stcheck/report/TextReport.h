@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "CheckReport.h"
+
+namespace stcheck {
+
+// The report for people: each drawing, its problems grouped by plug-in, the values to change
+// and the fixes on offer, then one summary line for the run. With `color` the state of each
+// problem is coloured with terminal escapes (red remaining, green fixed, yellow ignored).
+class TextReport {
+ public:
+  static std::string write(const CheckReport& report, bool color);
+};
+
+}  // namespace stcheck
