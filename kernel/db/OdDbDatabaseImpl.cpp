@@ -93,7 +93,7 @@ OdDbStub* OdDbDatabaseImpl::detachedStub(std::vector<DxfTag> tags, std::uint8_t 
   OdDbStub* stub = newStub(nextHandle_++, OdDbStub::kNoSection,
                            static_cast<std::uint32_t>(detached_.size() - 1));
   stub->flags = flags | OdDbStub::kDetached;
-  byHandle_[stub->handle] = stub;
+  indexHandle(stub);
   return stub;
 }
 
@@ -105,13 +105,6 @@ void OdDbDatabaseImpl::load(std::unique_ptr<DxfDocument> doc) {
   entitiesSection_ = sectionIndex("ENTITIES");
   std::size_t objectsSection = sectionIndex("OBJECTS");
 
-  std::size_t total = 0;
-  for (std::size_t s : {tablesSection_, blocksSection_, entitiesSection_, objectsSection})
-    if (s != kNone) total += doc_->section(s).size();
-  byHandle_.reserve(total + 64);
-
-  std::uint64_t maxHandle = 0;
-  std::vector<OdDbStub*> unhandled;
   for (std::size_t s : {tablesSection_, blocksSection_, entitiesSection_, objectsSection}) {
     if (s == kNone) continue;
     const auto& objects = doc_->section(s).objects();
@@ -120,25 +113,13 @@ void OdDbDatabaseImpl::load(std::unique_ptr<DxfDocument> doc) {
     for (std::size_t i = 0; i < objects.size(); ++i) {
       const DxfObject& obj = objects[i];
       if (obj.type() == "ENDTAB") continue;
-      std::uint64_t h = obj.handle();
-      OdDbStub* stub = newStub(0, static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(i));
-      if (h != 0 && byHandle_.try_emplace(h, stub).second) {
-        stub->handle = h;
-        maxHandle = std::max(maxHandle, h);
-      } else {
-        unhandled.push_back(stub);
-      }
-      slots[i] = stub;
+      slots[i] =
+          newStub(obj.handle(), static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(i));
     }
   }
-  hasHandles_ = maxHandle != 0;
   OdDbHandle handSeed;
   OdDbHandle::parse(doc_->headerText("$HANDSEED").toUtf8(), handSeed);
-  nextHandle_ = std::max<std::uint64_t>({maxHandle + 1, handSeed.value(), 1});
-  for (OdDbStub* stub : unhandled) {
-    stub->handle = nextHandle_++;
-    byHandle_[stub->handle] = stub;
-  }
+  assignLoadedHandles(handSeed.value());
 
   if (tablesSection_ != kNone) indexTables(tablesSection_);
   if (!tables_[kBlockRecord]) indexR12Blocks();
@@ -221,9 +202,86 @@ OdDbObject* OdDbDatabaseImpl::materialize(OdDbStub* stub) {
   return obj;
 }
 
+void OdDbDatabaseImpl::assignLoadedHandles(std::uint64_t handSeed) {
+  // Positions of the stubs that have a file handle, in handle order; of two stubs with the
+  // same handle the one read first keeps it.
+  const auto count = static_cast<std::uint32_t>(stubs_.size());
+  std::uint64_t maxHandle = 0;
+  bool ascending = true;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    std::uint64_t h = stubs_[i].handle.value();
+    if (h == 0) continue;
+    ascending = ascending && h > maxHandle;
+    maxHandle = std::max(maxHandle, h);
+  }
+  if (!ascending) {
+    std::vector<std::uint32_t> order;
+    for (std::uint32_t i = 0; i < count; ++i)
+      if (stubs_[i].handle.value() != 0) order.push_back(i);
+    std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+      std::uint64_t ha = stubs_[a].handle.value(), hb = stubs_[b].handle.value();
+      return ha != hb ? ha < hb : a < b;
+    });
+    std::uint64_t previous = 0;
+    for (std::uint32_t i : order) {
+      const std::uint64_t h = stubs_[i].handle.value();
+      if (h == previous) stubs_[i].handle = 0;
+      previous = h;
+    }
+  }
+  hasHandles_ = maxHandle != 0;
+  nextHandle_ = std::max<std::uint64_t>({maxHandle + 1, handSeed, 1});
+
+  // Objects without a usable handle get new ones in file order, above every file handle.
+  bool sorted = true;
+  std::uint64_t last = 0;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    OdDbStub& stub = stubs_[i];
+    if (stub.handle.value() == 0) stub.handle = nextHandle_++;
+    sorted = sorted && stub.handle.value() > last;
+    last = stub.handle.value();
+  }
+  stubsInHandleOrder_ = sorted;
+  byHandle_.clear();
+  if (sorted) return;
+  byHandle_.resize(count);
+  for (std::uint32_t i = 0; i < count; ++i) byHandle_[i] = i;
+  std::sort(byHandle_.begin(), byHandle_.end(), [&](std::uint32_t a, std::uint32_t b) {
+    return stubs_[a].handle.value() < stubs_[b].handle.value();
+  });
+}
+
+void OdDbDatabaseImpl::indexHandle(const OdDbStub* stub) {
+  // New handles come from the seed and exceed every other, so the stub, which is the last
+  // one made, usually keeps the order; when not, the look-up switches to a position list.
+  const std::uint64_t h = stub->handle.value();
+  const auto position = static_cast<std::uint32_t>(stubs_.size() - 1);
+  if (stubsInHandleOrder_) {
+    if (position == 0 || stubs_[position - 1].handle.value() < h) return;
+    stubsInHandleOrder_ = false;
+    byHandle_.resize(position);
+    for (std::uint32_t i = 0; i < position; ++i) byHandle_[i] = i;
+  }
+  auto at = std::lower_bound(
+      byHandle_.begin(), byHandle_.end(), h,
+      [&](std::uint32_t i, std::uint64_t v) { return stubs_[i].handle.value() < v; });
+  byHandle_.insert(at, position);
+}
+
 OdDbStub* OdDbDatabaseImpl::stubByHandle(std::uint64_t handle) const {
-  auto it = byHandle_.find(handle);
-  return it == byHandle_.end() ? nullptr : it->second;
+  if (handle == 0) return nullptr;
+  if (stubsInHandleOrder_) {
+    auto it =
+        std::lower_bound(stubs_.begin(), stubs_.end(), handle,
+                         [](const OdDbStub& s, std::uint64_t v) { return s.handle.value() < v; });
+    if (it == stubs_.end() || it->handle.value() != handle) return nullptr;
+    return const_cast<OdDbStub*>(&*it);
+  }
+  auto it = std::lower_bound(
+      byHandle_.begin(), byHandle_.end(), handle,
+      [&](std::uint32_t i, std::uint64_t v) { return stubs_[i].handle.value() < v; });
+  if (it == byHandle_.end() || stubs_[*it].handle.value() != handle) return nullptr;
+  return const_cast<OdDbStub*>(&stubs_[*it]);
 }
 
 OdDbStub* OdDbDatabaseImpl::slot(std::size_t section, std::size_t index) const {
@@ -411,7 +469,7 @@ OdDbStub* OdDbDatabaseImpl::insertObject(std::size_t section, std::size_t index,
   auto& slots = slots_.at(section);
   OdDbStub* stub =
       newStub(newHandle(), static_cast<std::uint32_t>(section), static_cast<std::uint32_t>(index));
-  byHandle_[stub->handle] = stub;
+  indexHandle(stub);
   slots.insert(slots.begin() + static_cast<std::ptrdiff_t>(index), stub);
   for (std::size_t i = index + 1; i < slots.size(); ++i)
     if (slots[i]) slots[i]->index = static_cast<std::uint32_t>(i);

@@ -127,6 +127,11 @@ class OdDbDatabaseImpl {
 
  private:
   OdDbStub* newStub(std::uint64_t handle, std::uint32_t section, std::uint32_t index);
+  // Gives the stubs of a freshly loaded document their handles: the file's, or a new one for
+  // an object without a handle or with one an earlier object took. Then indexes them.
+  void assignLoadedHandles(std::uint64_t handSeed);
+  // Makes the handle look-up find `stub`, whose handle is final.
+  void indexHandle(const OdDbStub* stub);
   OdDbStub* detachedStub(std::vector<DxfTag> tags, std::uint8_t flags);
   void indexTables(std::size_t section);
   void indexR12Blocks();
@@ -136,7 +141,12 @@ class OdDbDatabaseImpl {
   OdDbDatabase* self_;
   std::unique_ptr<DxfDocument> doc_;
   std::deque<OdDbStub> stubs_;
-  std::unordered_map<std::uint64_t, OdDbStub*> byHandle_;
+  // Handle look-up without a table of its own: files list objects by increasing handle and
+  // new handles come from the seed, above all others, so stubs_ is usually in handle order
+  // and is searched directly. Otherwise byHandle_ holds the positions in stubs_ in handle
+  // order (4 bytes an object rather than a hash node's 40).
+  bool stubsInHandleOrder_ = true;
+  std::vector<std::uint32_t> byHandle_;
   std::vector<std::vector<OdDbStub*>> slots_;
   std::vector<std::unique_ptr<DxfObject>> detached_;
   std::vector<OdDbObject*> objects_;

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <set>
+
 #include "DbTestSupport.h"
 #include "OdDbBlockTableRecord.h"
 #include "OdDbDatabaseReactor.h"
@@ -228,6 +231,52 @@ TEST(DbObject, ANewTextInModelSpaceIsWrittenAsEzdxfReadsIt) {
   ASSERT_EQ(result.exitCode, 0) << result.output;
   EXPECT_NE(result.output.find("Cote 2,50 — Ébauche (10.0, -5.0, 0.0) 3.5 0"), std::string::npos)
       << result.output;
+}
+
+}  // namespace
+
+namespace {
+
+// Handles are looked up in file order when the file lists them ascending and through a
+// sorted index otherwise; both must find every object, and new objects, by handle.
+TEST(DbObject, EveryObjectIsFoundByItsHandleWhateverTheFileOrder) {
+  auto line = [](const char* handle) {
+    std::string tags = "0\nLINE\n";
+    if (*handle) tags += std::string("5\n") + handle + "\n";
+    return tags + "8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n";
+  };
+  const std::vector<std::vector<const char*>> orders = {
+      {"10", "20", "", "30"},        // ascending, one without a handle
+      {"30", "10", "20", "10", ""},  // out of order, a duplicate, one without a handle
+      {"", "", ""}};                 // no handles at all
+  for (const auto& handles : orders) {
+    std::string file = "0\nSECTION\n2\nENTITIES\n";
+    for (const char* h : handles) file += line(h);
+    file += "0\nENDSEC\n0\nEOF\n";
+    SCOPED_TRACE(file);
+    OdDbDatabasePtr db = OdDbDatabase::readBuffer(file, "handles.dxf");
+    OdDbBlockTableRecordPtr model = db->getModelSpaceId().safeOpenObject(OdDb::kForWrite);
+    std::vector<OdDbObjectId> ids;
+    for (OdDbObjectIteratorPtr it = model->newIterator(); !it->done(); it->step())
+      ids.push_back(it->objectId());
+    ASSERT_EQ(ids.size(), handles.size());
+    OdDbTextPtr text = OdDbText::createObject();
+    ids.push_back(model->appendOdDbEntity(text.get()));
+
+    std::set<std::uint64_t> seen;
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+      const OdDbHandle h = ids[i].getHandle();
+      EXPECT_TRUE(seen.insert(h.value()).second) << "handle " << h.ascii() << " given twice";
+      EXPECT_EQ(db->getOdDbObjectId(h), ids[i]) << "object " << i << ", handle " << h.ascii();
+      const bool firstWithIt =
+          i < handles.size() && *handles[i] &&
+          std::count(handles.begin(), handles.begin() + i, std::string_view(handles[i])) == 0;
+      if (firstWithIt) {
+        EXPECT_EQ(h.ascii(), handles[i]) << "the first object with a handle keeps it";
+      }
+    }
+    EXPECT_TRUE(db->getOdDbObjectId(OdDbHandle(0x999)).isNull());
+  }
 }
 
 }  // namespace
