@@ -1,0 +1,111 @@
+#include "StDWSLayerPlugin.h"
+
+#include "OdDbDictionary.h"
+#include "OdDbLayerTableRecord.h"
+#include "OdDbLinetypeTable.h"
+#include "StLayerProperties.h"
+#include "StRecordCloning.h"
+#include "StRecordLookup.h"
+#include "StVariantText.h"
+
+namespace st {
+
+ODRX_DEFINE_MEMBERS(StDWSLayerPlugin, StDWSPlugin);
+
+namespace {
+
+// The plot style dictionary of a drawing, or null.
+OdDbDictionaryPtr plotStyles(OdDbDatabase* db) {
+  OdDbDictionaryPtr root =
+      OdDbDictionary::cast(db->getNamedObjectsDictionaryId().openObject().get());
+  if (root.isNull()) return OdDbDictionaryPtr();
+  return OdDbDictionary::cast(root->getAt(L"ACAD_PLOTSTYLENAME", OdDb::kForRead).get());
+}
+
+// A layer's plot style by name: plot styles are objects of each drawing, so only their names
+// compare across drawings.
+OdString plotStyleName(OdDbLayerTableRecord& layer) {
+  const OdDbObjectId id = layer.plotStyleNameId();
+  if (id.isNull()) return OdString();
+  OdDbDictionaryPtr styles = plotStyles(layer.database());
+  return styles.isNull() ? OdString() : styles->nameAt(id);
+}
+
+OdVariant colorValue(OdDbLayerTableRecord& layer) {
+  const std::int32_t rgb = layer.trueColor();
+  return rgb >= 0 ? OdVariant(rgb) : layerColorToOdVariant(&layer);
+}
+
+}  // namespace
+
+StDWSLayerPlugin::StDWSLayerPlugin()
+    : StSymbolTablePlugin(L"Layers",
+                          L"Checks that the layers of a drawing are those of its standards "
+                          L"and have their colour, linetype, lineweight, plotting, plot style "
+                          L"and transparency.",
+                          L"layer", L"Layer", L"AcDbLayerTableRecord") {}
+
+OdDbObjectId StDWSLayerPlugin::tableOf(OdDbDatabase* db) const {
+  return db ? db->getLayerTableId() : OdDbObjectId();
+}
+
+bool StDWSLayerPlugin::isReserved(const OdString& name) const {
+  return name == L"0";
+}
+
+void StDWSLayerPlugin::readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const {
+  auto& layer = static_cast<OdDbLayerTableRecord&>(record);
+  out.emplace_back(L"Color", colorValue(layer));
+  out.emplace_back(L"Linetype", OdVariant(layer.linetypeName()));
+  out.emplace_back(L"Lineweight", layerLineWeightToOdVariant(&layer));
+  out.emplace_back(L"Plot", OdVariant(layer.isPlottable()));
+  out.emplace_back(L"Plot style", OdVariant(plotStyleName(layer)));
+  out.emplace_back(L"Transparency", OdVariant(layer.transparency()));
+}
+
+bool StDWSLayerPlugin::applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) {
+  OdDbLayerTableRecordPtr model = standard.safeOpenObject();
+  OdDbDatabase* db = record.database();
+  // Only what differs is written, so that a fix leaves the layer's other tags as they were.
+  OdDbObjectId linetype;
+  {
+    OdDbLayerTableRecordPtr layer = record.safeOpenObject();
+    if (!compareOdVariant(OdVariant(layer->linetypeName()), OdVariant(model->linetypeName()))) {
+      linetype = getRecord(db->getLinetypeTableId(), model->linetypeName());
+      if (linetype.isNull() && stCloneLinetypeTableRecord(db, standard.database(),
+                                                          model->linetypeName(), linetype) != eOk)
+        return false;
+    }
+  }
+  OdDbLayerTableRecordPtr layer = record.safeOpenObject(OdDb::kForWrite);
+  if (!compareOdVariant(colorValue(*layer), colorValue(*model))) {
+    layer->setColorIndex(model->colorIndex());
+    if (model->trueColor() >= 0) layer->setTrueColor(model->trueColor());
+  }
+  if (!linetype.isNull()) layer->setLinetypeObjectId(linetype);
+  if (layer->lineWeight() != model->lineWeight()) layer->setLineWeight(model->lineWeight());
+  if (layer->isPlottable() != model->isPlottable()) layer->setIsPlottable(model->isPlottable());
+  const OdString style = plotStyleName(*model);
+  if (!compareOdVariant(OdVariant(plotStyleName(*layer)), OdVariant(style))) {
+    // A plot style the drawing does not have cannot be given; the rest still is.
+    OdDbDictionaryPtr styles = plotStyles(db);
+    const OdDbObjectId id = styles.isNull() ? OdDbObjectId() : styles->getAt(style);
+    if (!id.isNull()) layer->setPlotStyleName(id);
+  }
+  if (layer->transparency() != model->transparency()) layer->setTransparency(model->transparency());
+  return true;
+}
+
+OdDbObjectId StDWSLayerPlugin::copyIn(OdDbDatabase* drawing, OdDbDatabase* standard,
+                                      const OdString& name) {
+  OdDbObjectId id;
+  return stCloneLayerTableRecord(drawing, standard, name, id) == eOk ? id : OdDbObjectId();
+}
+
+void StDWSLayerPlugin::collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const {
+  StReferenceIndex::forEachEntity(drawing, [&](OdDbEntity& entity) {
+    index.add(entity.layerId(), {entity.objectId(), StReferenceKind::kEntityLayer});
+  });
+}
+
+}  // namespace st

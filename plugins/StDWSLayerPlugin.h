@@ -1,0 +1,25 @@
+#pragma once
+
+#include "StSymbolTablePlugin.h"
+
+namespace st {
+
+// Checks layers: colour, linetype, lineweight, plot flag, plot style and transparency.
+// Layer "0" is compared where a standard defines it and never reported as non-standard or
+// erased. Replacing a non-standard layer moves the entities of every block onto the standard
+// layer. Registered as "StDWSLayerPlugin"; watches AcDbLayerTableRecord.
+class StDWSLayerPlugin : public StSymbolTablePlugin {
+ public:
+  ODRX_DECLARE_MEMBERS(StDWSLayerPlugin);
+  StDWSLayerPlugin();
+
+ protected:
+  OdDbObjectId tableOf(OdDbDatabase* db) const override;
+  bool isReserved(const OdString& name) const override;
+  void readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const override;
+  bool applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) override;
+  OdDbObjectId copyIn(OdDbDatabase* drawing, OdDbDatabase* standard, const OdString& name) override;
+  void collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const override;
+};
+
+}  // namespace st

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "OdDbDatabase.h"
+#include "OdDbEntity.h"
+#include "OdDbObjectId.h"
+
+namespace st {
+
+// How an object refers to a symbol table record, so that the reference can be moved.
+enum class StReferenceKind {
+  kEntityLayer,        // an entity's layer
+  kEntityLinetype,     // an entity's linetype
+  kLayerLinetype,      // a layer's linetype
+  kTextStyle,          // a text's, attribute definition's or multi-line text's style
+  kDimStyleTextStyle,  // a dimension style's text style (DIMTXSTY)
+  kDimStyleLinetype,   // a dimension style's linetypes (DIMLTYPE, DIMLTEX1, DIMLTEX2)
+  kEntityDimStyle,     // a dimension's, leader's or tolerance's dimension style
+};
+
+struct StReference {
+  OdDbObjectId holder;  // the object that holds the reference
+  StReferenceKind kind;
+  int code = 0;  // for kDimStyleLinetype: the group code of the variable
+};
+
+// Who refers to which record of one kind, taken in one walk over the drawing and kept up to
+// date as fixes move references, so that fixing every problem of a check walks the entities
+// a bounded number of times instead of once per problem.
+//
+// The index lists what a fix may move: entities of every block (model space, layouts, block
+// definitions), layers, dimension styles. Attributes of inserts and polyline vertices are not
+// listed by the kernel's block iterator and so are not indexed.
+class StReferenceIndex {
+ public:
+  // Adds `reference` to the records that refer to `record`.
+  void add(const OdDbObjectId& record, const StReference& reference);
+  // The references to `record`; empty when nothing refers to it.
+  const std::vector<StReference>& referencesTo(const OdDbObjectId& record) const;
+  // Points every reference to `from` at `to` (a record of the same table of the same
+  // drawing), and moves them in the index. Throws the kernel's OdError when an object
+  // cannot be opened for write.
+  void moveAll(const OdDbObjectId& from, const OdDbObjectId& to);
+  // References to `record` are not listed from now on (records that are never replaced).
+  void skipReferencesTo(const OdDbObjectId& record) { skipped_.insert(record); }
+  // The number of references added.
+  std::size_t size() const { return count_; }
+
+  // Points one reference at `to`.
+  static void retarget(const StReference& reference, const OdDbObjectId& to);
+  // Calls `visit` with every entity of every block of `db`, each open for read.
+  static void forEachEntity(OdDbDatabase* db, const std::function<void(OdDbEntity&)>& visit);
+
+ private:
+  std::unordered_map<OdDbObjectId, std::vector<StReference>> references_;
+  std::unordered_set<OdDbObjectId> skipped_;
+  std::size_t count_ = 0;
+};
+
+}  // namespace st

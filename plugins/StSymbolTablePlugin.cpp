@@ -1,0 +1,437 @@
+#include "StSymbolTablePlugin.h"
+
+#include <algorithm>
+
+#include "OdDbSymbolTable.h"
+#include "OdError.h"
+#include "StAppServices.h"
+#include "StErrorFlags.h"
+#include "StIgnoreMarks.h"
+#include "StRecordLookup.h"
+#include "StSettingsStorage.h"
+#include "StStandardPropertyFormatter.h"
+#include "StVariantText.h"
+
+namespace st {
+
+namespace {
+
+const OdVariant* find(const StPropertyList& list, const OdString& name) {
+  for (const auto& [key, value] : list)
+    if (key == name) return &value;
+  return nullptr;
+}
+
+// Two values agree when both are absent or compareOdVariant says they are equal.
+bool sameValue(const OdVariant* a, const OdVariant* b) {
+  const bool aEmpty = !a || a->isVoid();
+  const bool bEmpty = !b || b->isVoid();
+  if (aEmpty || bEmpty) return aEmpty && bEmpty;
+  return compareOdVariant(*a, *b);
+}
+
+// The names of both lists, those of `a` first, each once.
+std::vector<OdString> unionOfNames(const StPropertyList& a, const StPropertyList& b) {
+  std::vector<OdString> names;
+  for (const auto* list : {&a, &b})
+    for (const auto& entry : *list)
+      if (std::find(names.begin(), names.end(), entry.first) == names.end())
+        names.push_back(entry.first);
+  return names;
+}
+
+bool sameProperties(const StPropertyList& a, const StPropertyList& b) {
+  for (const OdString& name : unionOfNames(a, b))
+    if (!sameValue(find(a, name), find(b, name))) return false;
+  return true;
+}
+
+// A name reduced to what a user means by it: case folded, blanks, '-', '_' and '.' dropped,
+// so that "Wall-Hatch", "wall_hatch" and "WALL HATCH" read the same.
+OdString looseName(const OdString& name) {
+  OdString folded = name;
+  folded.makeLower();
+  OdString out;
+  for (int i = 0; i < folded.getLength(); ++i) {
+    const wchar_t c = folded[i];
+    if (c != L' ' && c != L'-' && c != L'_' && c != L'.') out += c;
+  }
+  return out;
+}
+
+const wchar_t* const kNameProperty = L"Name";
+
+}  // namespace
+
+StSymbolTablePlugin::StSymbolTablePlugin(const OdString& displayName, const OdString& purpose,
+                                         const OdString& kind, const OdString& caption,
+                                         const OdString& className)
+    : StDWSPluginImplBase<StDWSPlugin>(
+          displayName, purpose, L"1.0",
+          L"Compares by name with the standards files associated with the drawing; a fix "
+          L"either gives a record the standard's properties or replaces a non-standard record "
+          L"everywhere it is used and removes it.",
+          L"The standards-audit project"),
+      kind_(kind),
+      caption_(caption) {
+  classNames_.push_back(className);
+}
+
+void StSymbolTablePlugin::setupForAudit(OdDbDatabase* drawing, const OdString& drawingFileName,
+                                        const OdArray<OdString>& standardsFileNames,
+                                        const OdArray<OdDbDatabase*>& standardsDatabases) {
+  clear();
+  drawing_ = drawing;
+  standards_.clear();
+  for (unsigned i = 0; i < standardsDatabases.size(); ++i) {
+    if (!standardsDatabases[i] || standardsDatabases[i] == drawing) continue;
+    Standard standard;
+    standard.db = standardsDatabases[i];
+    standard.path = standard.db->getFilename();
+    if (standard.path.isEmpty() && i < standardsFileNames.size())
+      standard.path = standardsFileNames[i];
+    standards_.push_back(standard);
+  }
+  candidates_.clear();
+  candidates_.resize(standards_.size());
+  preferredName_.empty();
+  // The settings live in the module's services, which need a host; without one there is
+  // simply no preferred file.
+  try {
+    if (StSettingsStorage* settings = ::stSettingsStorage();
+        settings && settings->hasPreferredFile())
+      preferredName_ = getFileName(settings->getPreferredFile(), false);
+  } catch (...) {
+    preferredName_.empty();
+  }
+}
+
+void StSymbolTablePlugin::setObjects(const OdArray<OdDbObjectId>& objects, bool wholeDrawing) {
+  objects_ = objects;
+  wholeDrawing_ = wholeDrawing;
+}
+
+void StSymbolTablePlugin::start(StError* startingError) {
+  current_ = Finding();
+  queue_.clear();
+  index_.reset();
+  started_ = true;
+  position_ = 0;
+  if (!drawing_) return;
+  const OdDbObjectId table = tableOf(drawing_);
+  if (table.isNull()) return;
+  if (wholeDrawing_) {
+    OdDbSymbolTablePtr records = table.safeOpenObject();
+    for (auto it = records->newIterator(); !it->done(); it->step())
+      queue_.push_back(it->getRecordId());
+  } else {
+    for (const OdDbObjectId& id : objects_) {
+      OdDbObjectPtr object = id.openObject();
+      if (!object.isNull() && object->ownerId() == table) queue_.push_back(id);
+    }
+  }
+  // The walk stands before the first record: next() moves to the first error.
+  position_ = static_cast<std::size_t>(-1);
+}
+
+void StSymbolTablePlugin::next() {
+  current_ = Finding();
+  if (!started_) return;
+  while (++position_ < queue_.size()) {
+    Finding finding;
+    if (evaluate(queue_[position_], finding)) {
+      current_ = finding;
+      return;
+    }
+  }
+  position_ = queue_.size();
+}
+
+bool StSymbolTablePlugin::done() const {
+  return !started_ || position_ == queue_.size();
+}
+
+StErrorPtr StSymbolTablePlugin::getError() {
+  return current_.error;
+}
+
+void StSymbolTablePlugin::clear() {
+  current_ = Finding();
+  queue_.clear();
+  position_ = 0;
+  started_ = false;
+  index_.reset();
+  for (auto& list : candidates_) list.reset();
+}
+
+StPropertyFormatterPtr StSymbolTablePlugin::propertyFormatter() const {
+  return StPropertyFormatterPtr(OdRxObjectImpl<StStandardPropertyFormatter>::createObject());
+}
+
+bool StSymbolTablePlugin::evaluate(const OdDbObjectId& id, Finding& finding) {
+  if (id.isNull() || id.isErased() || id.database() != drawing_) return false;
+  OdDbSymbolTableRecordPtr record = OdDbSymbolTableRecord::cast(id.openObject().get());
+  if (record.isNull() || record->isDependent() || !isChecked(*record)) return false;
+  StPropertyList current;
+  readProperties(*record, current);
+  bool known = false;
+  for (const Standard& standard : standards_)
+    known = known || hasRecord(tableOf(standard.db), record->getName());
+  if (known) return findPropertyError(*record, current, finding);
+  if (isReserved(record->getName())) return false;
+  findNameError(*record, current, finding);
+  if (finding.fixes.empty())  // nothing to replace it with: still reported, not fixable
+    finding.error->setFlags((finding.error->flags() & ~kStErrorFixable) | kStErrorAlwaysReported);
+  return true;
+}
+
+bool StSymbolTablePlugin::findPropertyError(OdDbSymbolTableRecord& record,
+                                            const StPropertyList& current, Finding& finding) {
+  struct Holder {
+    std::size_t standard;
+    OdDbObjectId id;
+    StPropertyList properties;
+  };
+  std::vector<Holder> holders;
+  const OdString name = record.getName();
+  for (std::size_t i = 0; i < standards_.size(); ++i) {
+    const OdDbObjectId id = getRecord(tableOf(standards_[i].db), name);
+    if (id.isNull()) continue;
+    OdDbSymbolTableRecordPtr standardRecord = id.safeOpenObject();
+    Holder holder{i, id, {}};
+    readProperties(*standardRecord, holder.properties);
+    // Matching any standards file is conforming: the drawing follows one of its standards.
+    if (sameProperties(current, holder.properties)) return false;
+    holders.push_back(std::move(holder));
+  }
+  // The error lists every property any standard compares, so that each fix's values line up
+  // with a current value (absent where the record stores none).
+  std::vector<OdString> names;
+  for (const Holder& holder : holders)
+    for (const OdString& n : unionOfNames(current, holder.properties))
+      if (std::find(names.begin(), names.end(), n) == names.end()) names.push_back(n);
+  StPropertyList listed;
+  for (const OdString& n : names) {
+    const OdVariant* value = find(current, n);
+    listed.emplace_back(n, value ? *value : OdVariant());
+  }
+  finding.error = newError(
+      record, kTagProperties,
+      OdString::format(L"The %ls \"%ls\" has non-standard properties", kind_.c_str(), name.c_str()),
+      OdString::format(L"The standards files define the %ls \"%ls\" with other properties.",
+                       kind_.c_str(), name.c_str()),
+      listed);
+  const int preferred = preferredStandard();
+  for (const Holder& holder : holders) {
+    if (static_cast<int>(holder.standard) == preferred)
+      finding.recommended = static_cast<int>(finding.fixes.size());
+    OdDbSymbolTableRecordPtr standardRecord = holder.id.safeOpenObject();
+    finding.fixes.push_back(newFix(standards_[holder.standard], holder.id,
+                                   standardRecord->getName(), holder.properties, names));
+  }
+  if (finding.recommended < 0) finding.recommended = 0;
+  return true;
+}
+
+void StSymbolTablePlugin::findNameError(OdDbSymbolTableRecord& record,
+                                        const StPropertyList& current, Finding& finding) {
+  const OdString name = record.getName();
+  StPropertyList listed{{kNameProperty, OdVariant(name)}};
+  listed.insert(listed.end(), current.begin(), current.end());
+  finding.error = newError(
+      record, kTagNonStandardName,
+      OdString::format(L"The %ls \"%ls\" has a non-standard name", kind_.c_str(), name.c_str()),
+      OdString::format(L"No standards file has a %ls called \"%ls\".", kind_.c_str(), name.c_str()),
+      listed);
+  std::vector<OdString> names;
+  for (const auto& entry : listed) names.push_back(entry.first);
+
+  // A recommendation only with confidence: the same name ignoring case, or else a single
+  // standard name that differs from it only in case and separators.
+  const int preferred = preferredStandard();
+  const OdString loose = looseName(name);
+  int sameIgnoringCase = -1;
+  int looseMatch = -1;
+  OdString looseMatchName;
+  bool looseAmbiguous = false;
+  auto better = [&](int existing, std::size_t standard) {
+    return existing < 0 || static_cast<int>(standard) == preferred;
+  };
+  for (std::size_t s = 0; s < standards_.size(); ++s) {
+    for (const Candidate& candidate : candidates(s)) {
+      StPropertyList properties{{kNameProperty, OdVariant(candidate.name)}};
+      properties.insert(properties.end(), candidate.properties.begin(), candidate.properties.end());
+      const int index = static_cast<int>(finding.fixes.size());
+      finding.fixes.push_back(
+          newFix(standards_[s], candidate.id, candidate.name, properties, names));
+      if (candidate.name.iCompare(name) == 0) {
+        if (better(sameIgnoringCase, s)) sameIgnoringCase = index;
+      } else if (looseName(candidate.name) == loose) {
+        if (looseMatch >= 0 && looseMatchName.iCompare(candidate.name) != 0) looseAmbiguous = true;
+        if (better(looseMatch, s)) looseMatch = index;
+        looseMatchName = candidate.name;
+      }
+    }
+  }
+  if (sameIgnoringCase >= 0)
+    finding.recommended = sameIgnoringCase;
+  else if (looseMatch >= 0 && !looseAmbiguous)
+    finding.recommended = looseMatch;
+}
+
+StErrorPtr StSymbolTablePlugin::newError(OdDbSymbolTableRecord& record, std::uint64_t tag,
+                                         const OdString& title, const OdString& description,
+                                         const StPropertyList& properties) {
+  StErrorPtr error = StError::createObject();
+  error->setObjectId(record.objectId());
+  error->setName(title);
+  error->setDescription(description);
+  error->setReason(caption_);
+  error->setTag(tag);
+  for (const auto& [name, value] : properties) error->addProperty(name, value);
+  std::uint32_t flags = kStErrorFixable;
+  if (hasObjectIgnoredMark(record.objectId())) flags |= kStErrorIgnored;
+  error->setFlags(flags);
+  return error;
+}
+
+StFixPtr StSymbolTablePlugin::newFix(const Standard& standard, const OdDbObjectId& id,
+                                     const OdString& name, const StPropertyList& properties,
+                                     const std::vector<OdString>& names) {
+  StFixPtr fix = StFix::createObject();
+  fix->setName(name);
+  fix->setDescription(OdString::format(L"The %ls \"%ls\" of %ls", kind_.c_str(), name.c_str(),
+                                       getFileName(standard.path, true).c_str()));
+  fix->setObjectId(id);
+  fix->setStandardsFile(standard.path);
+  for (const OdString& n : names) {
+    const OdVariant* value = find(properties, n);
+    fix->setPropertyValue(n, value ? *value : OdVariant());
+  }
+  return fix;
+}
+
+const std::vector<StSymbolTablePlugin::Candidate>& StSymbolTablePlugin::candidates(
+    std::size_t standard) {
+  if (!candidates_[standard]) {
+    auto list = std::make_unique<std::vector<Candidate>>();
+    const OdDbObjectId table = tableOf(standards_[standard].db);
+    if (!table.isNull()) {
+      OdDbSymbolTablePtr records = table.safeOpenObject();
+      for (auto it = records->newIterator(); !it->done(); it->step()) {
+        OdDbSymbolTableRecordPtr record = it->getRecord();
+        if (record->isDependent() || !isChecked(*record)) continue;
+        Candidate candidate{it->getRecordId(), record->getName(), {}};
+        readProperties(*record, candidate.properties);
+        list->push_back(std::move(candidate));
+      }
+    }
+    candidates_[standard] = std::move(list);
+  }
+  return *candidates_[standard];
+}
+
+int StSymbolTablePlugin::preferredStandard() const {
+  if (preferredName_.isEmpty()) return -1;
+  for (std::size_t i = 0; i < standards_.size(); ++i)
+    if (getFileName(standards_[i].path, false).iCompare(preferredName_) == 0)
+      return static_cast<int>(i);
+  return -1;
+}
+
+const StSymbolTablePlugin::Standard* StSymbolTablePlugin::standardOf(const OdDbObjectId& id) const {
+  for (const Standard& standard : standards_)
+    if (standard.db == id.database()) return &standard;
+  return nullptr;
+}
+
+void StSymbolTablePlugin::getAllFixes(StError* error, OdArray<StFixPtr>& fixes,
+                                      int& recommendedIndex) {
+  recommendedIndex = -1;
+  if (!error) return;
+  if (error == current_.error.get()) {
+    fixes = current_.fixes;
+    recommendedIndex = current_.recommended;
+    return;
+  }
+  Finding finding;
+  if (!evaluate(error->objectId(), finding) || finding.error->tag() != error->tag()) return;
+  fixes = finding.fixes;
+  recommendedIndex = finding.recommended;
+}
+
+void StSymbolTablePlugin::getPropertyDiffs(StError* error, StFix* fix,
+                                           OdArray<OdString>& propertyNames,
+                                           OdArray<OdVariant>& currentValues,
+                                           OdArray<OdVariant> standardValues) {
+  if (!error || !fix) return;
+  for (std::int32_t i = 0; i < static_cast<std::int32_t>(error->propertyCount()); ++i) {
+    OdString name;
+    OdVariant current;
+    OdVariant standard;
+    if (!error->property(i, name, current)) continue;
+    fix->propertyValue(name, standard);
+    if (sameValue(&current, &standard)) continue;
+    propertyNames.push_back(name);
+    currentValues.push_back(current);
+    standardValues.push_back(standard);
+  }
+}
+
+StFixPtr StSymbolTablePlugin::getRecommendedFix(StError* error) {
+  OdArray<StFixPtr> fixes;
+  int recommended = -1;
+  getAllFixes(error, fixes, recommended);
+  if (recommended < 0 || recommended >= static_cast<int>(fixes.size())) return StFixPtr();
+  return fixes[static_cast<unsigned>(recommended)];
+}
+
+void StSymbolTablePlugin::fixError(StError* error, StFix* fix) {
+  if (!error || !fix || !drawing_) return;
+  const OdDbObjectId record = error->objectId();
+  if (record.isNull() || record.isErased() || record.database() != drawing_) return;
+  const OdDbObjectId standard = fix->objectId();
+  if (standard.isNull() || !standardOf(standard)) return;
+  bool fixed = false;
+  try {
+    if (error->tag() == kTagProperties)
+      fixed = applyStandard(record, standard);
+    else if (error->tag() == kTagNonStandardName)
+      fixed = replaceName(record, *fix);
+  } catch (const OdError&) {
+    fixed = false;
+  }
+  if (fixed) error->setFlags(error->flags() | kStErrorFixed);
+}
+
+bool StSymbolTablePlugin::replaceName(const OdDbObjectId& record, StFix& fix) {
+  const OdDbObjectId standardId = fix.objectId();
+  OdDbSymbolTableRecordPtr standardRecord = standardId.safeOpenObject();
+  const OdString name = standardRecord->getName();
+  standardRecord = OdDbSymbolTableRecordPtr();
+  OdDbObjectId target = getRecord(tableOf(drawing_), name);
+  if (target.isNull()) target = copyIn(drawing_, standardId.database(), name);
+  if (target.isNull()) return false;
+  if (target == record) return true;
+  StReferenceIndex& references = index();
+  references.moveAll(record, target);
+  OdDbSymbolTableRecordPtr old = record.safeOpenObject(OdDb::kForWrite);
+  if (!isReserved(old->getName()) && references.referencesTo(record).empty()) old->erase();
+  return true;
+}
+
+StReferenceIndex& StSymbolTablePlugin::index() {
+  if (!index_) {
+    auto built = std::make_unique<StReferenceIndex>();
+    // Reserved records are never replaced, so what refers to them (most entities are on
+    // ByLayer linetypes, for one) need not be listed.
+    OdDbSymbolTablePtr records = tableOf(drawing_).safeOpenObject();
+    for (auto it = records->newIterator(); !it->done(); it->step())
+      if (isReserved(it->getRecord()->getName())) built->skipReferencesTo(it->getRecordId());
+    collectReferences(drawing_, *built);
+    index_ = std::move(built);
+  }
+  return *index_;
+}
+
+}  // namespace st

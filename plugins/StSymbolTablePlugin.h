@@ -1,0 +1,144 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "OdDbDatabase.h"
+#include "OdDbSymbolTableRecord.h"
+#include "StDWSPluginImplBase.h"
+#include "StReferenceIndex.h"
+
+namespace st {
+
+// A record's compared properties, as (display name, value) in display order. A value the
+// record does not store is an empty OdVariant.
+using StPropertyList = std::vector<std::pair<OdString, OdVariant>>;
+
+// The common base of the plug-ins that check the records of one symbol table by name against
+// the same table of every standards file. Each record (xref-dependent ones skipped) gives at
+// most one error:
+//  - its name is in some standards file but no standards file holds it with the same
+//    properties: an error tagged kTagProperties with one fix per standards file holding the
+//    name (the preferred file's recommended when it is one of them, else the first's); fixing
+//    gives the record the standard's properties;
+//  - no standards file has its name (and it is not a reserved record, see isReserved): an
+//    error tagged kTagNonStandardName whose fixes are every record of the kind in every
+//    standards file, one recommended only when a single standard name matches it ignoring
+//    case and separators; fixing moves every reference to the chosen standard record
+//    (copied in when the drawing lacks it) and erases the old record once nothing refers to
+//    it.
+// Errors carry kStErrorIgnored when the record has an ignore mark and kStErrorFixable when
+// they have fixes (kStErrorAlwaysReported when they have none); a fix that succeeds sets
+// kStErrorFixed.
+//
+// Errors are found one at a time, as next() moves on, so that what earlier fixes changed is
+// seen. start() places the walk before the first error; next() moves to it.
+//
+// A derived plug-in names its table, reads and applies properties, copies records in and
+// lists the references to its records; everything else happens here.
+class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin> {
+ public:
+  static constexpr std::uint64_t kTagProperties = 1;
+  static constexpr std::uint64_t kTagNonStandardName = 2;
+
+  StErrorPtr getError() override;
+  void setupForAudit(OdDbDatabase* drawing, const OdString& drawingFileName,
+                     const OdArray<OdString>& standardsFileNames,
+                     const OdArray<OdDbDatabase*>& standardsDatabases) override;
+  void setObjects(const OdArray<OdDbObjectId>& objects, bool wholeDrawing) override;
+  void start(StError* startingError) override;
+  void next() override;
+  void clear() override;
+  // Fixes of the current error are kept until next(); for another error they are made anew.
+  void getAllFixes(StError* error, OdArray<StFixPtr>& fixes, int& recommendedIndex) override;
+  // The properties whose current and standard values differ, with the current values.
+  void getPropertyDiffs(StError* error, StFix* fix, OdArray<OdString>& propertyNames,
+                        OdArray<OdVariant>& currentValues,
+                        OdArray<OdVariant> standardValues) override;
+  StFixPtr getRecommendedFix(StError* error) override;
+  // Applies a fix of an error of this plug-in; an error or fix of another origin, a record
+  // that is gone or a change the drawing refuses leaves the error unfixed.
+  void fixError(StError* error, StFix* fix) override;
+  bool done() const override;
+  StPropertyFormatterPtr propertyFormatter() const override;
+
+ protected:
+  // `kind` names the kind of record in texts ("layer"), `caption` heads the column of
+  // replacements ("Layer"), `className` is the run-time class of the records.
+  StSymbolTablePlugin(const OdString& displayName, const OdString& purpose, const OdString& kind,
+                      const OdString& caption, const OdString& className);
+
+  // The table of the plug-in's kind in `db` (null when the drawing has none).
+  virtual OdDbObjectId tableOf(OdDbDatabase* db) const = 0;
+  // A record every drawing has (layer "0", "Standard"...): compared only with the standards
+  // files that define it, never reported as non-standard and never erased.
+  virtual bool isReserved(const OdString& name) const = 0;
+  // False for records the plug-in leaves alone altogether (and never offers as fixes).
+  virtual bool isChecked(OdDbSymbolTableRecord& record) const { return true; }
+  // The compared properties of `record` (open for read).
+  virtual void readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const = 0;
+  // Gives the drawing's `record` the properties of `standard`, a record of the same name in
+  // a standards drawing. False when that cannot be done; the kernel's OdError may pass.
+  virtual bool applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) = 0;
+  // Copies the record `name` of `standard` into the drawing, which lacks it; the new id, or
+  // null when it cannot be copied.
+  virtual OdDbObjectId copyIn(OdDbDatabase* drawing, OdDbDatabase* standard,
+                              const OdString& name) = 0;
+  // Lists in `index` everything in `drawing` that refers to a record of the kind.
+  virtual void collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const = 0;
+
+  OdDbDatabase* drawing() const { return drawing_; }
+
+ private:
+  struct Finding {
+    StErrorPtr error;
+    OdArray<StFixPtr> fixes;
+    int recommended = -1;
+  };
+  struct Standard {
+    OdDbDatabase* db = nullptr;
+    OdString path;
+  };
+  struct Candidate {
+    OdDbObjectId id;
+    OdString name;
+    StPropertyList properties;
+  };
+
+  // The finding for the record `id`; false when it conforms or is not checked.
+  bool evaluate(const OdDbObjectId& id, Finding& finding);
+  bool findPropertyError(OdDbSymbolTableRecord& record, const StPropertyList& current,
+                         Finding& finding);
+  void findNameError(OdDbSymbolTableRecord& record, const StPropertyList& current,
+                     Finding& finding);
+  StErrorPtr newError(OdDbSymbolTableRecord& record, std::uint64_t tag, const OdString& title,
+                      const OdString& description, const StPropertyList& properties);
+  StFixPtr newFix(const Standard& standard, const OdDbObjectId& id, const OdString& name,
+                  const StPropertyList& properties, const std::vector<OdString>& names);
+  // The records a non-standard name may be replaced with, per standards file (cached).
+  const std::vector<Candidate>& candidates(std::size_t standard);
+  // The index of the preferred standards file in standards_, or -1.
+  int preferredStandard() const;
+  const Standard* standardOf(const OdDbObjectId& id) const;
+  bool replaceName(const OdDbObjectId& record, StFix& fix);
+  StReferenceIndex& index();
+
+  OdString kind_;
+  OdString caption_;
+  OdDbDatabase* drawing_ = nullptr;
+  std::vector<Standard> standards_;
+  std::vector<std::unique_ptr<std::vector<Candidate>>> candidates_;
+  OdString preferredName_;
+  OdDbObjectIdArray objects_;
+  bool wholeDrawing_ = true;
+  OdDbObjectIdArray queue_;
+  std::size_t position_ = 0;
+  bool started_ = false;
+  Finding current_;
+  std::unique_ptr<StReferenceIndex> index_;
+};
+
+}  // namespace st
