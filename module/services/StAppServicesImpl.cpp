@@ -1,6 +1,7 @@
 #include "StAppServicesImpl.h"
 
 #include "StFileSystemServiceImpl.h"
+#include "StManagerCacheImpl.h"
 #include "StMessageImpl.h"
 #include "StPluginRegistratorImpl.h"
 #include "StSettingsStorageImpl.h"
@@ -20,8 +21,7 @@ void StAppServicesImpl::setService(int index, std::unique_ptr<StService> service
 void StAppServicesImpl::populate() {
   setService(kStStateSaverService, std::make_unique<StStateSaverImpl>());
   setService(kStSettingsService, std::make_unique<StSettingsStorageImpl>());
-  // kStManagerCacheService joins here, before the registry, together with the check manager
-  // whose managers it keeps; until then the index holds nothing.
+  setService(kStManagerCacheService, std::make_unique<StManagerCacheImpl>());
   setService(kStPluginRegistratorService, std::make_unique<StPluginRegistratorImpl>());
   setService(kStMessageService, std::make_unique<StMessageImpl>());
   setService(kStFileSystemService, std::make_unique<StFileSystemServiceImpl>());

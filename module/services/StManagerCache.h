@@ -9,9 +9,8 @@ namespace st {
 class StManager;
 
 // Keeps exactly one check manager per open drawing database; the manager holds the drawing's
-// standards files open and its plug-ins loaded for as long as the drawing is open. Its
-// implementation comes with the check manager; until then the application services hold no
-// service under this index and stManagerCache() answers null.
+// standards files open and its plug-ins loaded for as long as the drawing is open. The
+// application services hold it under kStManagerCacheService (StManagerCacheImpl).
 class ST_EXPORT StManagerCache : public StService {
  public:
   // Nothing to bring up: the cache starts empty.

@@ -1,0 +1,13 @@
+#include "StDbReactor.h"
+
+#include "StDbReactorResponder.h"
+
+namespace st {
+
+ODRX_DEFINE_MEMBERS(StDbReactor, OdDbDatabaseReactor);
+
+void StDbReactor::objectModified(const OdDbDatabase* db, const OdDbObject* object) {
+  if (responder_) responder_->objectModified(db, object);
+}
+
+}  // namespace st
