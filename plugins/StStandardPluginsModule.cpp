@@ -4,14 +4,27 @@
 // (StDWSPlugin, StError, StFix) must be registered before this library loads.
 
 #include "OdRxModule.h"
+#include "StDWSDimstylePlugin.h"
 #include "StDWSLayerPlugin.h"
+#include "StDWSLinetypePlugin.h"
+#include "StDWSTextstylePlugin.h"
 
 namespace {
 
 class StStandardPluginsModule : public OdRxModule {
  public:
-  void initApp() override { st::StDWSLayerPlugin::rxInit(); }
-  void uninitApp() override { st::StDWSLayerPlugin::rxUninit(); }
+  void initApp() override {
+    st::StDWSDimstylePlugin::rxInit();
+    st::StDWSLayerPlugin::rxInit();
+    st::StDWSLinetypePlugin::rxInit();
+    st::StDWSTextstylePlugin::rxInit();
+  }
+  void uninitApp() override {
+    st::StDWSTextstylePlugin::rxUninit();
+    st::StDWSLinetypePlugin::rxUninit();
+    st::StDWSLayerPlugin::rxUninit();
+    st::StDWSDimstylePlugin::rxUninit();
+  }
 };
 
 }  // namespace

@@ -16,12 +16,17 @@
 
 #include "OdDbBlockTableRecord.h"
 #include "OdDbDatabase.h"
+#include "OdDbDimStyleTable.h"
+#include "OdDbDimStyleTableRecord.h"
 #include "OdDbEntity.h"
 #include "OdDbLayerTable.h"
 #include "OdDbLayerTableRecord.h"
 #include "OdDbLinetypeTable.h"
 #include "OdDbLinetypeTableRecord.h"
 #include "OdDbText.h"
+#include "OdDbTextStyleTable.h"
+#include "OdDbTextStyleTableRecord.h"
+#include "OdResBuf.h"
 #include "OdRxClass.h"
 #include "OdRxDynamicLinker.h"
 #include "StDWSPlugin.h"
@@ -88,6 +93,50 @@ inline OdDbObjectId addText(OdDbDatabase& db, const wchar_t* layer, const wchar_
   OdDbLayerTablePtr layers = db.getLayerTableId().safeOpenObject();
   text->setLayer(layers->getAt(layer));
   return id;
+}
+
+inline OdDbObjectId addTextStyle(OdDbDatabase& db, const wchar_t* name, const wchar_t* font,
+                                 double height, double width) {
+  OdDbTextStyleTablePtr table = db.getTextStyleTableId().safeOpenObject(OdDb::kForWrite);
+  OdDbTextStyleTableRecordPtr style = OdDbTextStyleTableRecord::createObject();
+  style->setName(name);
+  OdDbObjectId id = table->add(style.get());
+  style->setFileName(font);
+  style->setTextSize(height);
+  style->setXScale(width);
+  return id;
+}
+
+// A dimension style with DIMSCALE, DIMCLRD and, when given, the text style it names.
+inline OdDbObjectId addDimStyle(OdDbDatabase& db, const wchar_t* name, double scale, int color,
+                                const wchar_t* textStyle = nullptr) {
+  OdDbDimStyleTablePtr table = db.getDimStyleTableId().safeOpenObject(OdDb::kForWrite);
+  OdDbDimStyleTableRecordPtr style = OdDbDimStyleTableRecord::createObject();
+  style->setName(name);
+  OdDbObjectId id = table->add(style.get());
+  style->setDimVar(OdResBuf::newRb(40, scale).get());
+  style->setDimVar(OdResBuf::newRb(176, color).get());
+  if (textStyle) {
+    OdDbTextStyleTablePtr styles = db.getTextStyleTableId().safeOpenObject();
+    style->setDimtxsty(styles->getAt(textStyle));
+  }
+  return id;
+}
+
+// The drawing saved as `file` with `entities` (DXF lines, code then value, "{ms}" standing
+// for the model space's handle) appended to its model space, read back. For the kinds of
+// entity the kernel reads but does not make (dimensions, leaders, tolerances).
+inline OdDbDatabasePtr withEntities(OdDbDatabase& db, std::string entities,
+                                    const std::filesystem::path& file) {
+  const std::string ms = db.getModelSpaceId().getHandle().ascii();
+  for (size_t at; (at = entities.find("{ms}")) != std::string::npos;) entities.replace(at, 4, ms);
+  std::string text = db.writeBuffer(false);
+  const size_t section = text.find("ENTITIES");
+  const size_t end = text.find("\nENDSEC", section);
+  const size_t line = text.rfind('\n', end - 1) + 1;
+  text.insert(line, entities);
+  std::ofstream(file, std::ios::binary) << text;
+  return OdDbDatabase::readFile(file);
 }
 
 // One error as a check reports it.

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "StSymbolTablePlugin.h"
+
+namespace st {
+
+// Checks dimension styles: every dimension variable either style stores, shown under its
+// variable name (DIMSCALE, DIMCLRD...), with references to text styles, linetypes and arrow
+// blocks shown by name. "Standard" is compared where a standard defines it and never
+// reported as non-standard or erased. A fix copies the standard's definition over the
+// drawing's, bringing in the text style and linetypes it names when the drawing lacks them;
+// replacing a non-standard style moves the dimensions, leaders and tolerances of every
+// block. Registered as "StDWSDimstylePlugin"; watches AcDbDimStyleTableRecord.
+class StDWSDimstylePlugin : public StSymbolTablePlugin {
+ public:
+  ODRX_DECLARE_MEMBERS(StDWSDimstylePlugin);
+  StDWSDimstylePlugin();
+
+ protected:
+  OdDbObjectId tableOf(OdDbDatabase* db) const override;
+  bool isReserved(const OdString& name) const override;
+  void readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const override;
+  bool applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) override;
+  OdDbObjectId copyIn(OdDbDatabase* drawing, OdDbDatabase* standard, const OdString& name) override;
+  void collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const override;
+};
+
+}  // namespace st

@@ -1,0 +1,93 @@
+#include "StDWSLinetypePlugin.h"
+
+#include "OdDbDimStyleTableRecord.h"
+#include "OdDbLayerTableRecord.h"
+#include "OdDbLinetypeTableRecord.h"
+#include "OdDbSymbolTable.h"
+#include "StRecordCloning.h"
+
+namespace st {
+
+ODRX_DEFINE_MEMBERS(StDWSLinetypePlugin, StDWSPlugin);
+
+namespace {
+
+bool isByLayerOrByBlock(const OdString& name) {
+  return name.iCompare(L"ByLayer") == 0 || name.iCompare(L"ByBlock") == 0;
+}
+
+// The dash lengths as a user reads them: "0.5, -0.25, 0".
+OdString patternText(OdDbLinetypeTableRecord& linetype) {
+  OdString text;
+  for (double dash : linetype.dashes()) {
+    if (!text.isEmpty()) text += L", ";
+    text += OdString::format(L"%g", dash);
+  }
+  return text;
+}
+
+// The dimension variables that name linetypes: DIMLTYPE, DIMLTEX1, DIMLTEX2.
+constexpr int kDimLinetypeCodes[] = {345, 346, 347};
+
+}  // namespace
+
+StDWSLinetypePlugin::StDWSLinetypePlugin()
+    : StSymbolTablePlugin(L"Linetypes",
+                          L"Checks that the linetypes of a drawing are those of its standards "
+                          L"and have their descriptions and dash patterns.",
+                          L"linetype", L"Linetype", L"AcDbLinetypeTableRecord") {}
+
+OdDbObjectId StDWSLinetypePlugin::tableOf(OdDbDatabase* db) const {
+  return db ? db->getLinetypeTableId() : OdDbObjectId();
+}
+
+bool StDWSLinetypePlugin::isReserved(const OdString& name) const {
+  return name.iCompare(L"Continuous") == 0 || isByLayerOrByBlock(name);
+}
+
+bool StDWSLinetypePlugin::isChecked(OdDbSymbolTableRecord& record) const {
+  return !isByLayerOrByBlock(record.getName());
+}
+
+void StDWSLinetypePlugin::readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const {
+  auto& linetype = static_cast<OdDbLinetypeTableRecord&>(record);
+  out.emplace_back(L"Description", OdVariant(linetype.comments()));
+  out.emplace_back(L"Pattern", OdVariant(patternText(linetype)));
+}
+
+bool StDWSLinetypePlugin::applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) {
+  // A linetype is a definition: the standard's record is copied over the drawing's, keeping
+  // its handle, so shapes and texts in the pattern come along too.
+  OdDbSymbolTableRecordPtr model = standard.safeOpenObject();
+  OdDbObjectId id;
+  return stCloneLinetypeTableRecord(record.database(), standard.database(), model->getName(), id) ==
+             eOk &&
+         id == record;
+}
+
+OdDbObjectId StDWSLinetypePlugin::copyIn(OdDbDatabase* drawing, OdDbDatabase* standard,
+                                         const OdString& name) {
+  OdDbObjectId id;
+  return stCloneLinetypeTableRecord(drawing, standard, name, id) == eOk ? id : OdDbObjectId();
+}
+
+void StDWSLinetypePlugin::collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const {
+  StReferenceIndex::forEachEntity(drawing, [&](OdDbEntity& entity) {
+    index.add(entity.linetypeId(), {entity.objectId(), StReferenceKind::kEntityLinetype});
+  });
+  OdDbSymbolTablePtr layers = drawing->getLayerTableId().safeOpenObject();
+  for (auto it = layers->newIterator(); !it->done(); it->step()) {
+    OdDbLayerTableRecordPtr layer = it->getRecord();
+    index.add(layer->linetypeObjectId(), {it->getRecordId(), StReferenceKind::kLayerLinetype});
+  }
+  OdDbSymbolTablePtr styles = drawing->getDimStyleTableId().safeOpenObject();
+  for (auto it = styles->newIterator(); !it->done(); it->step()) {
+    OdDbDimStyleTableRecordPtr style = it->getRecord();
+    for (int code : kDimLinetypeCodes)
+      if (OdResBufPtr value = style->getDimVar(code); !value.isNull())
+        index.add(value->getObjectId(drawing),
+                  {it->getRecordId(), StReferenceKind::kDimStyleLinetype, code});
+  }
+}
+
+}  // namespace st
