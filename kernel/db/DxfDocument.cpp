@@ -97,10 +97,18 @@ DxfSection& DxfDocument::insertSection(std::size_t index, std::string_view name)
   return **it;
 }
 
+std::size_t DxfDocument::valueLength(const DxfTag& tag) const noexcept {
+  std::size_t length = tag.shortLength();
+  if (length != DxfTag::kLongLength) return length;
+  auto it = longLengths_.find(longLengthKey(tag.isInPool(), tag.offset));
+  return it == longLengths_.end() ? 0 : it->second;
+}
+
 std::string_view DxfDocument::rawValue(const DxfTag& tag) const noexcept {
   std::string_view store = tag.isInPool() ? std::string_view(pool_) : bytes_;
-  if (static_cast<std::size_t>(tag.offset) + tag.length > store.size()) return {};
-  return store.substr(tag.offset, tag.length);
+  const std::size_t length = valueLength(tag);
+  if (static_cast<std::size_t>(tag.offset) + length > store.size()) return {};
+  return store.substr(tag.offset, length);
 }
 
 std::string DxfDocument::stringBytes(const DxfTag& tag) const {
@@ -167,11 +175,7 @@ std::string DxfDocument::binaryChunk(const DxfTag& tag) const {
 DxfTag DxfDocument::addToPool(int code, std::string_view bytes) {
   if (pool_.size() + bytes.size() > std::numeric_limits<std::uint32_t>::max())
     throw OdError(eOutOfMemory, fileName_ + ": too many changed values");
-  DxfTag tag;
-  tag.offset = static_cast<std::uint32_t>(pool_.size());
-  tag.length = static_cast<std::uint32_t>(bytes.size());
-  tag.code = static_cast<std::int16_t>(code);
-  tag.flags = DxfTag::kInPool;
+  DxfTag tag = makeTag(code, pool_.size(), bytes.size(), DxfTag::kInPool);
   pool_.append(bytes);
   return tag;
 }

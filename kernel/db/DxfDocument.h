@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "DxfObject.h"
@@ -134,6 +135,13 @@ class DxfDocument {
   friend class DxfReader;
 
   DxfTag addToPool(int code, std::string_view bytes);
+  // A tag over [offset, offset + length) of the file buffer, or of the pool with kInPool in
+  // `flags`; a long length is noted in longLengths_.
+  DxfTag makeTag(int code, std::size_t offset, std::size_t length, std::uint8_t flags);
+  std::size_t valueLength(const DxfTag& tag) const noexcept;
+  static std::uint64_t longLengthKey(bool inPool, std::uint32_t offset) noexcept {
+    return (std::uint64_t(inPool) << 32) | offset;
+  }
   void setVersion(std::string version, std::string_view codePage);
 
   std::string fileName_;
@@ -149,7 +157,23 @@ class DxfDocument {
   std::uint32_t preambleEnd_ = 0;
   std::uint32_t trailerBegin_ = 0;
   std::vector<DxfTag, DxfPageAllocator<DxfTag>> tags_;
+  // Lengths of values too long for their tag, by longLengthKey.
+  std::unordered_map<std::uint64_t, std::uint32_t> longLengths_;
   std::vector<DxfObject> prologue_;
   std::vector<std::unique_ptr<DxfSection>> sections_;
   std::unique_ptr<DxfObject> eof_;
 };
+
+inline DxfTag DxfDocument::makeTag(int code, std::size_t offset, std::size_t length,
+                                   std::uint8_t flags) {
+  DxfTag tag;
+  tag.offset = static_cast<std::uint32_t>(offset);
+  tag.code = static_cast<std::int16_t>(code);
+  if (length >= DxfTag::kLongLength) {
+    longLengths_[longLengthKey((flags & DxfTag::kInPool) != 0, tag.offset)] =
+        static_cast<std::uint32_t>(length);
+    length = DxfTag::kLongLength;
+  }
+  tag.lengthAndFlags = static_cast<std::uint16_t>(length << DxfTag::kFlagBits | flags);
+  return tag;
+}

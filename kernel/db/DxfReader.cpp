@@ -205,12 +205,7 @@ void DxfReader::parse() {
 
 inline void DxfReader::addTag(int code, std::size_t valueBegin, std::size_t valueEnd,
                               std::uint8_t flags) {
-  DxfTag tag;
-  tag.offset = static_cast<std::uint32_t>(valueBegin);
-  tag.length = static_cast<std::uint32_t>(valueEnd - valueBegin);
-  tag.code = static_cast<std::int16_t>(code);
-  tag.flags = flags;
-  doc_.tags_.push_back(tag);
+  doc_.tags_.push_back(doc_.makeTag(code, valueBegin, valueEnd - valueBegin, flags));
 }
 
 inline void DxfReader::startObject(std::size_t byteBegin, std::string_view type) {

@@ -13,20 +13,26 @@
 //    (blanks included), or a value given as text through the document's API;
 //  - binary form: the bytes of a binary file's value: the little-endian number, the string
 //    without its terminating NUL, the chunk without its length byte.
+//
+// Lengths up to kLongLength - 1 are kept in the tag; the few longer values keep theirs in
+// the document, found by the value's place, so that the common tag takes eight bytes.
 struct DxfTag {
   enum Flags : std::uint8_t {
     kBinaryForm = 1,  // the value bytes are in binary form (else text form)
     kInPool = 2,      // the value bytes are in the document's pool (else in the file buffer)
   };
+  static constexpr unsigned kFlagBits = 2;
+  static constexpr std::uint32_t kLongLength = 0xFFFFu >> kFlagBits;
 
   std::uint32_t offset = 0;  // first byte of the value
-  std::uint32_t length = 0;  // number of value bytes
   std::int16_t code = 0;     // the group code
-  std::uint8_t flags = 0;
-  std::uint8_t reserved = 0;
+  // The flags in the low bits, the length (or kLongLength) above them.
+  std::uint16_t lengthAndFlags = 0;
 
-  bool isBinaryForm() const noexcept { return (flags & kBinaryForm) != 0; }
-  bool isInPool() const noexcept { return (flags & kInPool) != 0; }
+  bool isBinaryForm() const noexcept { return (lengthAndFlags & kBinaryForm) != 0; }
+  bool isInPool() const noexcept { return (lengthAndFlags & kInPool) != 0; }
+  // The length, or kLongLength when the document keeps it.
+  std::uint32_t shortLength() const noexcept { return lengthAndFlags >> kFlagBits; }
 };
 
-static_assert(sizeof(DxfTag) == 12, "tags are kept by the million; keep them small");
+static_assert(sizeof(DxfTag) == 8, "tags are kept by the million; keep them small");

@@ -173,4 +173,32 @@ TEST(DxfDocument, ValuesAreCheckedByGroupCodeAndControlCharactersUseCarets) {
   }
 }
 
+// Tags keep short lengths themselves and long ones in the document: values on both sides
+// of that limit, read from a file, set later and written in either format, keep every byte.
+TEST(DxfDocument, ValuesOfAnyLengthKeepEveryByte) {
+  std::vector<std::string> values;
+  for (std::size_t n : {std::size_t(0), std::size_t(16382), std::size_t(16383), std::size_t(16384),
+                        std::size_t(70000)}) {
+    std::string v(n, 'a');
+    for (std::size_t i = 0; i < n; i += 97) v[i] = static_cast<char>('b' + i % 23);
+    values.push_back(v);
+  }
+  std::string file = "0\nSECTION\n2\nENTITIES\n0\nMTEXT\n";
+  for (const std::string& v : values) file += "3\n" + v + "\n";
+  file += "0\nENDSEC\n0\nEOF\n";
+  auto doc = DxfReader::readBuffer(file, "long.dxf");
+  DxfObject& mtext = doc->findSection("ENTITIES")->object(0);
+  for (std::size_t i = 0; i < values.size(); ++i)
+    EXPECT_EQ(mtext.rawValue(i + 1), values[i]) << "value " << i << " as read";
+  for (std::size_t i = 0; i < values.size(); ++i)
+    mtext.setText(i + 1, OdString::fromUtf8(values[values.size() - 1 - i]));
+  for (DxfFormat format : {DxfFormat::kAscii, DxfFormat::kBinary}) {
+    auto again = DxfReader::readBuffer(DxfWriter(*doc, format).toBytes(), "long.dxf");
+    const DxfObject& reread = again->findSection("ENTITIES")->object(0);
+    ASSERT_EQ(reread.size(), values.size() + 1);
+    for (std::size_t i = 0; i < values.size(); ++i)
+      EXPECT_EQ(reread.rawValue(i + 1), values[values.size() - 1 - i]) << "value " << i;
+  }
+}
+
 }  // namespace
