@@ -180,38 +180,30 @@ bool StSymbolTablePlugin::evaluate(const OdDbObjectId& id, Finding& finding) {
   if (known) return findPropertyError(*record, current, finding);
   if (isReserved(record->getName())) return false;
   findNameError(*record, current, finding);
-  if (finding.fixes.empty())  // nothing to replace it with: still reported, not fixable
-    finding.error->setFlags((finding.error->flags() & ~kStErrorFixable) | kStErrorAlwaysReported);
   return true;
 }
 
 bool StSymbolTablePlugin::findPropertyError(OdDbSymbolTableRecord& record,
                                             const StPropertyList& current, Finding& finding) {
-  struct Holder {
-    std::size_t standard;
-    OdDbObjectId id;
-    StPropertyList properties;
-  };
-  std::vector<Holder> holders;
   const OdString name = record.getName();
   for (std::size_t i = 0; i < standards_.size(); ++i) {
     const OdDbObjectId id = getRecord(tableOf(standards_[i].db), name);
     if (id.isNull()) continue;
     OdDbSymbolTableRecordPtr standardRecord = id.safeOpenObject();
-    Holder holder{i, id, {}};
-    readProperties(*standardRecord, holder.properties);
+    auto properties = std::make_shared<StPropertyList>();
+    readProperties(*standardRecord, *properties);
     // Matching any standards file is conforming: the drawing follows one of its standards.
-    if (sameProperties(current, holder.properties)) return false;
-    holders.push_back(std::move(holder));
+    if (sameProperties(current, *properties)) return false;
+    finding.holders.push_back({i, id, standardRecord->getName(), std::move(properties)});
   }
   // The error lists every property any standard compares, so that each fix's values line up
   // with a current value (absent where the record stores none).
-  std::vector<OdString> names;
-  for (const Holder& holder : holders)
-    for (const OdString& n : unionOfNames(current, holder.properties))
-      if (std::find(names.begin(), names.end(), n) == names.end()) names.push_back(n);
+  for (const FixSource& holder : finding.holders)
+    for (const OdString& n : unionOfNames(current, *holder.properties))
+      if (std::find(finding.names.begin(), finding.names.end(), n) == finding.names.end())
+        finding.names.push_back(n);
   StPropertyList listed;
-  for (const OdString& n : names) {
+  for (const OdString& n : finding.names) {
     const OdVariant* value = find(current, n);
     listed.emplace_back(n, value ? *value : OdVariant());
   }
@@ -222,14 +214,11 @@ bool StSymbolTablePlugin::findPropertyError(OdDbSymbolTableRecord& record,
                        kind_.c_str(), name.c_str()),
       listed);
   const int preferred = preferredStandard();
-  for (const Holder& holder : holders) {
-    if (static_cast<int>(holder.standard) == preferred)
-      finding.recommended = static_cast<int>(finding.fixes.size());
-    OdDbSymbolTableRecordPtr standardRecord = holder.id.safeOpenObject();
-    finding.fixes.push_back(newFix(standards_[holder.standard], holder.id,
-                                   standardRecord->getName(), holder.properties, names));
-  }
-  if (finding.recommended < 0) finding.recommended = 0;
+  finding.recommended = 0;
+  for (std::size_t i = 0; i < finding.holders.size(); ++i)
+    if (static_cast<int>(finding.holders[i].standard) == preferred)
+      finding.recommended = static_cast<int>(i);
+  finding.recommendedSource = finding.holders[static_cast<std::size_t>(finding.recommended)];
   return true;
 }
 
@@ -243,40 +232,57 @@ void StSymbolTablePlugin::findNameError(OdDbSymbolTableRecord& record,
       OdString::format(L"The %ls \"%ls\" has a non-standard name", kind_.c_str(), name.c_str()),
       OdString::format(L"No standards file has a %ls called \"%ls\".", kind_.c_str(), name.c_str()),
       listed);
-  std::vector<OdString> names;
-  for (const auto& entry : listed) names.push_back(entry.first);
+  for (const auto& entry : listed) finding.names.push_back(entry.first);
+  finding.everyCandidate = true;
 
   // A recommendation only with confidence: the same name ignoring case, or else a single
-  // standard name that differs from it only in case and separators.
+  // standard name that differs from it only in case and separators. Among files holding
+  // that name, the preferred file's record wins, else the first file's.
   const int preferred = preferredStandard();
+  OdString lower = name;
+  lower.makeLower();
   const OdString loose = looseName(name);
-  int sameIgnoringCase = -1;
-  int looseMatch = -1;
-  OdString looseMatchName;
-  bool looseAmbiguous = false;
-  auto better = [&](int existing, std::size_t standard) {
-    return existing < 0 || static_cast<int>(standard) == preferred;
-  };
+  int exact = -1;
+  FixSource exactSource;
+  int close = -1;
+  FixSource closeSource;
+  OdString closeName;
+  bool ambiguous = false;
+  std::size_t offset = 0;
   for (std::size_t s = 0; s < standards_.size(); ++s) {
-    for (const Candidate& candidate : candidates(s)) {
-      StPropertyList properties{{kNameProperty, OdVariant(candidate.name)}};
-      properties.insert(properties.end(), candidate.properties.begin(), candidate.properties.end());
-      const int index = static_cast<int>(finding.fixes.size());
-      finding.fixes.push_back(
-          newFix(standards_[s], candidate.id, candidate.name, properties, names));
-      if (candidate.name.iCompare(name) == 0) {
-        if (better(sameIgnoringCase, s)) sameIgnoringCase = index;
-      } else if (looseName(candidate.name) == loose) {
-        if (looseMatch >= 0 && looseMatchName.iCompare(candidate.name) != 0) looseAmbiguous = true;
-        if (better(looseMatch, s)) looseMatch = index;
-        looseMatchName = candidate.name;
+    const Candidates& list = candidates(s);
+    const bool preferredFile = static_cast<int>(s) == preferred;
+    if (auto it = list.byLowerName.find(lower); it != list.byLowerName.end()) {
+      if (exact < 0 || preferredFile) {
+        exact = static_cast<int>(offset + it->second.front());
+        exactSource = list.records[it->second.front()];
       }
     }
+    if (auto it = list.byLooseName.find(loose); it != list.byLooseName.end()) {
+      for (std::size_t index : it->second) {
+        OdString candidate = list.records[index].name;
+        candidate.makeLower();
+        if (close >= 0 && candidate != closeName) ambiguous = true;
+        if (close < 0 || preferredFile) {
+          close = static_cast<int>(offset + index);
+          closeSource = list.records[index];
+          closeName = candidate;
+        }
+      }
+    }
+    offset += list.records.size();
   }
-  if (sameIgnoringCase >= 0)
-    finding.recommended = sameIgnoringCase;
-  else if (looseMatch >= 0 && !looseAmbiguous)
-    finding.recommended = looseMatch;
+  if (offset == 0) {  // nothing to replace it with: still reported, but not fixable
+    finding.error->setFlags((finding.error->flags() & ~kStErrorFixable) | kStErrorAlwaysReported);
+    return;
+  }
+  if (exact >= 0) {
+    finding.recommended = exact;
+    finding.recommendedSource = exactSource;
+  } else if (close >= 0 && !ambiguous) {
+    finding.recommended = close;
+    finding.recommendedSource = closeSource;
+  }
 }
 
 StErrorPtr StSymbolTablePlugin::newError(OdDbSymbolTableRecord& record, std::uint64_t tag,
@@ -295,35 +301,54 @@ StErrorPtr StSymbolTablePlugin::newError(OdDbSymbolTableRecord& record, std::uin
   return error;
 }
 
-StFixPtr StSymbolTablePlugin::newFix(const Standard& standard, const OdDbObjectId& id,
-                                     const OdString& name, const StPropertyList& properties,
-                                     const std::vector<OdString>& names) {
+StFixPtr StSymbolTablePlugin::newFix(const FixSource& source, const std::vector<OdString>& names) {
+  const Standard& standard = standards_[source.standard];
   StFixPtr fix = StFix::createObject();
-  fix->setName(name);
-  fix->setDescription(OdString::format(L"The %ls \"%ls\" of %ls", kind_.c_str(), name.c_str(),
+  fix->setName(source.name);
+  fix->setDescription(OdString::format(L"The %ls \"%ls\" of %ls", kind_.c_str(),
+                                       source.name.c_str(),
                                        getFileName(standard.path, true).c_str()));
-  fix->setObjectId(id);
+  fix->setObjectId(source.id);
   fix->setStandardsFile(standard.path);
   for (const OdString& n : names) {
-    const OdVariant* value = find(properties, n);
+    const OdVariant* value = find(*source.properties, n);
     fix->setPropertyValue(n, value ? *value : OdVariant());
   }
   return fix;
 }
 
-const std::vector<StSymbolTablePlugin::Candidate>& StSymbolTablePlugin::candidates(
-    std::size_t standard) {
+void StSymbolTablePlugin::buildFixes(Finding& finding) {
+  if (finding.built) return;
+  finding.built = true;
+  if (!finding.everyCandidate) {
+    for (const FixSource& holder : finding.holders)
+      finding.fixes.push_back(newFix(holder, finding.names));
+    return;
+  }
+  for (std::size_t s = 0; s < standards_.size(); ++s)
+    for (const FixSource& candidate : candidates(s).records)
+      finding.fixes.push_back(newFix(candidate, finding.names));
+}
+
+const StSymbolTablePlugin::Candidates& StSymbolTablePlugin::candidates(std::size_t standard) {
   if (!candidates_[standard]) {
-    auto list = std::make_unique<std::vector<Candidate>>();
+    auto list = std::make_unique<Candidates>();
     const OdDbObjectId table = tableOf(standards_[standard].db);
     if (!table.isNull()) {
       OdDbSymbolTablePtr records = table.safeOpenObject();
       for (auto it = records->newIterator(); !it->done(); it->step()) {
         OdDbSymbolTableRecordPtr record = it->getRecord();
         if (record->isDependent() || !isChecked(*record)) continue;
-        Candidate candidate{it->getRecordId(), record->getName(), {}};
-        readProperties(*record, candidate.properties);
-        list->push_back(std::move(candidate));
+        // A candidate's values start with its name, which a replacement changes.
+        auto properties = std::make_shared<StPropertyList>();
+        properties->emplace_back(kNameProperty, OdVariant(record->getName()));
+        readProperties(*record, *properties);
+        const std::size_t index = list->records.size();
+        list->records.push_back({standard, it->getRecordId(), record->getName(), properties});
+        OdString lower = record->getName();
+        lower.makeLower();
+        list->byLowerName[lower].push_back(index);
+        list->byLooseName[looseName(record->getName())].push_back(index);
       }
     }
     candidates_[standard] = std::move(list);
@@ -339,10 +364,10 @@ int StSymbolTablePlugin::preferredStandard() const {
   return -1;
 }
 
-const StSymbolTablePlugin::Standard* StSymbolTablePlugin::standardOf(const OdDbObjectId& id) const {
+bool StSymbolTablePlugin::isStandard(OdDbDatabase* db) const {
   for (const Standard& standard : standards_)
-    if (standard.db == id.database()) return &standard;
-  return nullptr;
+    if (standard.db == db) return true;
+  return false;
 }
 
 void StSymbolTablePlugin::getAllFixes(StError* error, OdArray<StFixPtr>& fixes,
@@ -350,12 +375,14 @@ void StSymbolTablePlugin::getAllFixes(StError* error, OdArray<StFixPtr>& fixes,
   recommendedIndex = -1;
   if (!error) return;
   if (error == current_.error.get()) {
+    buildFixes(current_);
     fixes = current_.fixes;
     recommendedIndex = current_.recommended;
     return;
   }
   Finding finding;
   if (!evaluate(error->objectId(), finding) || finding.error->tag() != error->tag()) return;
+  buildFixes(finding);
   fixes = finding.fixes;
   recommendedIndex = finding.recommended;
 }
@@ -379,11 +406,18 @@ void StSymbolTablePlugin::getPropertyDiffs(StError* error, StFix* fix,
 }
 
 StFixPtr StSymbolTablePlugin::getRecommendedFix(StError* error) {
-  OdArray<StFixPtr> fixes;
-  int recommended = -1;
-  getAllFixes(error, fixes, recommended);
-  if (recommended < 0 || recommended >= static_cast<int>(fixes.size())) return StFixPtr();
-  return fixes[static_cast<unsigned>(recommended)];
+  if (!error) return StFixPtr();
+  Finding other;
+  Finding* finding = &current_;
+  if (error != current_.error.get()) {
+    if (!evaluate(error->objectId(), other) || other.error->tag() != error->tag())
+      return StFixPtr();
+    finding = &other;
+  }
+  if (finding->recommended < 0) return StFixPtr();
+  // The list's own fix when it was made, so that both name the same object.
+  if (finding->built) return finding->fixes[static_cast<unsigned>(finding->recommended)];
+  return newFix(finding->recommendedSource, finding->names);
 }
 
 void StSymbolTablePlugin::fixError(StError* error, StFix* fix) {
@@ -391,7 +425,7 @@ void StSymbolTablePlugin::fixError(StError* error, StFix* fix) {
   const OdDbObjectId record = error->objectId();
   if (record.isNull() || record.isErased() || record.database() != drawing_) return;
   const OdDbObjectId standard = fix->objectId();
-  if (standard.isNull() || !standardOf(standard)) return;
+  if (standard.isNull() || !isStandard(standard.database())) return;
   bool fixed = false;
   try {
     if (error->tag() == kTagProperties)

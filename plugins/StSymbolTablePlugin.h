@@ -2,7 +2,7 @@
 
 #include <cstdint>
 #include <memory>
-#include <unordered_set>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -93,19 +93,36 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin> {
   OdDbDatabase* drawing() const { return drawing_; }
 
  private:
-  struct Finding {
-    StErrorPtr error;
-    OdArray<StFixPtr> fixes;
-    int recommended = -1;
-  };
   struct Standard {
     OdDbDatabase* db = nullptr;
     OdString path;
   };
-  struct Candidate {
+  // Where a fix comes from: a record of a standards file and the values it stands for.
+  struct FixSource {
+    std::size_t standard = 0;
     OdDbObjectId id;
     OdString name;
-    StPropertyList properties;
+    std::shared_ptr<const StPropertyList> properties;
+  };
+  // An error with what its fixes are made of. Fixes are made when first asked for: a
+  // non-standard name has every record of every standards file as a fix, and an automatic
+  // fix needs only the recommended one.
+  struct Finding {
+    StErrorPtr error;
+    std::vector<OdString> names;     // the properties each fix carries, as the error lists them
+    std::vector<FixSource> holders;  // property errors: the files holding the name
+    bool everyCandidate = false;     // name errors: every candidate of every file
+    int recommended = -1;
+    FixSource recommendedSource;
+    bool built = false;
+    OdArray<StFixPtr> fixes;
+  };
+  // The records of one standards file a non-standard name may be replaced with, with their
+  // names folded for the matching that recommends one.
+  struct Candidates {
+    std::vector<FixSource> records;
+    std::unordered_map<OdString, std::vector<std::size_t>> byLowerName;
+    std::unordered_map<OdString, std::vector<std::size_t>> byLooseName;
   };
 
   // The finding for the record `id`; false when it conforms or is not checked.
@@ -116,13 +133,12 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin> {
                      Finding& finding);
   StErrorPtr newError(OdDbSymbolTableRecord& record, std::uint64_t tag, const OdString& title,
                       const OdString& description, const StPropertyList& properties);
-  StFixPtr newFix(const Standard& standard, const OdDbObjectId& id, const OdString& name,
-                  const StPropertyList& properties, const std::vector<OdString>& names);
-  // The records a non-standard name may be replaced with, per standards file (cached).
-  const std::vector<Candidate>& candidates(std::size_t standard);
+  StFixPtr newFix(const FixSource& source, const std::vector<OdString>& names);
+  void buildFixes(Finding& finding);
+  const Candidates& candidates(std::size_t standard);
   // The index of the preferred standards file in standards_, or -1.
   int preferredStandard() const;
-  const Standard* standardOf(const OdDbObjectId& id) const;
+  bool isStandard(OdDbDatabase* db) const;
   bool replaceName(const OdDbObjectId& record, StFix& fix);
   StReferenceIndex& index();
 
@@ -130,7 +146,7 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin> {
   OdString caption_;
   OdDbDatabase* drawing_ = nullptr;
   std::vector<Standard> standards_;
-  std::vector<std::unique_ptr<std::vector<Candidate>>> candidates_;
+  std::vector<std::unique_ptr<Candidates>> candidates_;
   OdString preferredName_;
   OdDbObjectIdArray objects_;
   bool wholeDrawing_ = true;
