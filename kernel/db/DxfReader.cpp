@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <limits>
@@ -209,22 +210,16 @@ inline void DxfReader::addTag(int code, std::size_t valueBegin, std::size_t valu
 }
 
 inline void DxfReader::startObject(std::size_t byteBegin, std::string_view type) {
-  Kind kind = Kind::kOther;
+  // Only the stand-in for tags before the first group-0 tag can still be empty.
+  if (!objects_.empty() && objects_.back().firstTag == doc_.tags_.size()) objects_.pop_back();
   if (type.size() >= 6 && type.size() < 16) {
     type = trimBlanks(type);
-    if (type == "SECTION") kind = Kind::kSection;
-    if (type == "ENDSEC") kind = Kind::kEndsec;
+    const auto index = static_cast<std::uint32_t>(objects_.size());
+    if (type == "SECTION") marks_.push_back({index, Kind::kSection});
+    if (type == "ENDSEC") marks_.push_back({index, Kind::kEndsec});
   }
-  objects_.push_back({static_cast<std::uint32_t>(doc_.tags_.size()), 0,
-                      static_cast<std::uint32_t>(byteBegin), 0, kind});
-}
-
-inline void DxfReader::finishObject(std::size_t byteEnd) {
-  if (objects_.empty()) return;
-  ObjectRange& last = objects_.back();
-  last.count = static_cast<std::uint32_t>(doc_.tags_.size()) - last.firstTag;
-  last.byteEnd = static_cast<std::uint32_t>(byteEnd);
-  if (last.count == 0) objects_.pop_back();
+  objects_.push_back(
+      {static_cast<std::uint32_t>(doc_.tags_.size()), static_cast<std::uint32_t>(byteBegin)});
 }
 
 void DxfReader::checkAsciiValue(int code, DxfValueType type, std::string_view value,
@@ -305,13 +300,12 @@ void DxfReader::parseAscii() {
     if (type != DxfValueType::kString) checkAsciiValue(code, type, value, valueBegin);
 
     if (code == 0) {
-      finishObject(codeBegin);
       startObject(codeBegin, value);
     }
     addTag(code, valueBegin, valueEnd, 0);
     p = next;
     if (code == 0 && isEof(value)) {
-      finishObject(next);
+      endByte_ = static_cast<std::uint32_t>(next);
       sawEof_ = true;
       doc_.trailerBegin_ = static_cast<std::uint32_t>(next);
       return;
@@ -381,7 +375,6 @@ void DxfReader::parseBinary() {
       }
     }
     if (code == 0) {
-      finishObject(tagBegin);
       startObject(tagBegin, std::string_view(reinterpret_cast<const char*>(base) + valueBegin,
                                              valueEnd - valueBegin));
     }
@@ -389,7 +382,7 @@ void DxfReader::parseBinary() {
     // Blanks around EOF are allowed as in ASCII files, so that a converted file reads back.
     if (code == 0 && isEof(std::string_view(reinterpret_cast<const char*>(base) + valueBegin,
                                             valueEnd - valueBegin))) {
-      finishObject(p);
+      endByte_ = static_cast<std::uint32_t>(p);
       sawEof_ = true;
       doc_.trailerBegin_ = static_cast<std::uint32_t>(p);
       return;
@@ -400,42 +393,47 @@ void DxfReader::parseBinary() {
 void DxfReader::buildStructure() {
   // The last object is "0 EOF".
   const std::size_t count = objects_.size() - 1;
-  // Sizes first, so that each section's object list is allocated once.
-  std::vector<std::uint32_t> sectionSizes;
-  for (std::size_t i = 0; i < count; ++i) {
-    if (objects_[i].kind == Kind::kSection)
-      sectionSizes.push_back(0);
-    else if (!sectionSizes.empty())
-      ++sectionSizes.back();
-  }
-  doc_.sections_.reserve(sectionSizes.size());
+  auto makeObject = [&](std::size_t i) {
+    const bool last = i + 1 == objects_.size();
+    const std::uint32_t endTag =
+        last ? static_cast<std::uint32_t>(doc_.tags_.size()) : objects_[i + 1].firstTag;
+    const std::uint32_t endByte = last ? endByte_ : objects_[i + 1].byteBegin;
+    return DxfObject(doc_, objects_[i].firstTag, endTag - objects_[i].firstTag,
+                     objects_[i].byteBegin, endByte);
+  };
+  std::size_t sections = 0;
+  for (const Mark& mark : marks_) sections += mark.kind == Kind::kSection;
+  doc_.sections_.reserve(sections);
 
   DxfSection* current = nullptr;
   bool inTail = false;
+  std::size_t nextMark = 0;
   for (std::size_t i = 0; i < count; ++i) {
-    const ObjectRange& r = objects_[i];
-    DxfObject object(doc_, r.firstTag, r.count, r.byteBegin, r.byteEnd);
-    if (r.kind == Kind::kSection) {
+    const bool marked = nextMark < marks_.size() && marks_[nextMark].object == i;
+    const bool opens = marked && marks_[nextMark++].kind == Kind::kSection;
+    DxfObject object = makeObject(i);
+    if (opens) {
       std::size_t nameAt = object.find(2);
       std::string name(nameAt == DxfObject::npos ? std::string_view()
                                                  : trimBlanks(object.rawValue(nameAt)));
       doc_.sections_.push_back(std::make_unique<DxfSection>(std::move(name), std::move(object)));
       current = doc_.sections_.back().get();
-      current->objects().reserve(sectionSizes[doc_.sections_.size() - 1]);
+      // The body runs to the next mark, so its list is allocated once.
+      std::size_t bodyEnd = nextMark < marks_.size() ? marks_[nextMark].object : count;
+      current->objects().reserve(std::min(bodyEnd, count) - i - 1);
       inTail = false;
     } else if (!current) {
       doc_.prologue_.push_back(std::move(object));
-    } else if (inTail || r.kind == Kind::kEndsec) {
+    } else if (inTail || marked) {
       current->tail().push_back(std::move(object));
       inTail = true;
     } else {
       current->objects().push_back(std::move(object));
     }
   }
-  const ObjectRange& eof = objects_.back();
-  doc_.eof_ =
-      std::make_unique<DxfObject>(doc_, eof.firstTag, eof.count, eof.byteBegin, eof.byteEnd);
+  doc_.eof_ = std::make_unique<DxfObject>(makeObject(count));
   objects_ = {};
+  marks_ = {};
 }
 
 void DxfReader::readHeaderVersion() {

@@ -41,20 +41,25 @@ class DxfReader {
                        std::size_t valueBegin) const;
   void addTag(int code, std::size_t valueBegin, std::size_t valueEnd, std::uint8_t flags);
   void startObject(std::size_t byteBegin, std::string_view type);
-  void finishObject(std::size_t byteEnd);
 
-  // What the structure pass needs to know of an object's type, noted while its group-0 tag
-  // is at hand (looking the tags up again later costs a cache miss per object).
-  enum class Kind : std::uint8_t { kOther, kSection, kEndsec };
-  struct ObjectRange {
+  // Where each object starts; it ends where the next one starts (the last, "0 EOF", at
+  // endByte_). Eight bytes an object, as this list lives beside the finished objects while
+  // the structure pass runs.
+  struct ObjectStart {
     std::uint32_t firstTag;
-    std::uint32_t count;
     std::uint32_t byteBegin;
-    std::uint32_t byteEnd;
+  };
+  // The objects that open and close sections, noted while their group-0 tag is at hand
+  // (looking the tags up again later costs a cache miss per object).
+  enum class Kind : std::uint8_t { kSection, kEndsec };
+  struct Mark {
+    std::uint32_t object;
     Kind kind;
   };
 
   DxfDocument& doc_;
-  std::vector<ObjectRange> objects_;
+  std::vector<ObjectStart> objects_;
+  std::vector<Mark> marks_;
+  std::uint32_t endByte_ = 0;
   bool sawEof_ = false;
 };
