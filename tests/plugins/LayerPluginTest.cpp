@@ -168,6 +168,28 @@ TEST_F(LayerPluginTest, ReplacingANameMovesEveryEntityAndPurgesTheOldLayer) {
             "['0', 'Doors', 'Hatch-Fill', 'Survey', 'Walls']\n['Doors', 'Hatch-Fill', 'Walls']\n");
 }
 
+TEST_F(LayerPluginTest, ChecksOnlyTheObjectsItIsGivenWhenNotTheWholeDrawing) {
+  OdDbLayerTablePtr layers = drawing_->getLayerTableId().safeOpenObject();
+  OdDbBlockTableRecordPtr space = drawing_->getModelSpaceId().safeOpenObject();
+  const OdDbObjectId text = space->newIterator()->objectId();
+  // As the manager checks one edited object: the layer, then something of another kind.
+  for (const auto& [objects, expected] :
+       std::vector<std::pair<OdDbObjectIdArray, std::vector<std::string>>>{
+           {{layers->getAt(L"Walls"), layers->getAt(L"Doors")}, {"Walls"}},
+           {{text}, {}},
+           {{layers->getAt(L"Base|Grid")}, {}}}) {
+    plugin_->setupForAudit(drawing_.get(), L"plan.dxf", {L"office.dws"}, {office_.get()});
+    plugin_->setObjects(objects, false);
+    plugin_->start(nullptr);
+    std::vector<std::string> seen;
+    for (plugin_->next(); !plugin_->done(); plugin_->next()) {
+      OdDbSymbolTableRecordPtr record = plugin_->getError()->objectId().safeOpenObject();
+      seen.push_back(record->getName().toUtf8());
+    }
+    EXPECT_EQ(seen, expected);
+  }
+}
+
 TEST_F(LayerPluginTest, AnIgnoredLayerIsFlaggedUntilItsMarkIsRemoved) {
   OdDbLayerTablePtr layers = drawing_->getLayerTableId().safeOpenObject();
   const OdDbObjectId notes = layers->getAt(L"Notes");
