@@ -202,9 +202,37 @@ OdDbObject* OdDbDatabaseImpl::materialize(OdDbStub* stub) {
   return obj;
 }
 
+void OdDbDatabaseImpl::sortByHandle(std::vector<std::uint32_t>& positions) const {
+  // Files list objects in a few ascending runs of handles (a section each, typically), so
+  // merging the runs found costs a few sequential passes where a general sort would jump
+  // around the stubs. Ties (duplicate handles) keep file order.
+  auto less = [&](std::uint32_t a, std::uint32_t b) {
+    const std::uint64_t ha = stubs_[a].handle.value();
+    const std::uint64_t hb = stubs_[b].handle.value();
+    return ha != hb ? ha < hb : a < b;
+  };
+  std::vector<std::size_t> bounds{0};
+  for (std::size_t k = 1; k < positions.size(); ++k)
+    if (less(positions[k], positions[k - 1])) bounds.push_back(k);
+  bounds.push_back(positions.size());
+  if (bounds.size() <= 2) return;
+  std::vector<std::uint32_t> merged(positions.size());
+  while (bounds.size() > 2) {
+    std::vector<std::size_t> next{0};
+    for (std::size_t r = 0; r + 1 < bounds.size(); r += 2) {
+      const auto lo = positions.begin() + static_cast<std::ptrdiff_t>(bounds[r]);
+      const auto mid = positions.begin() + static_cast<std::ptrdiff_t>(bounds[r + 1]);
+      const std::size_t end = r + 2 < bounds.size() ? bounds[r + 2] : bounds[r + 1];
+      const auto hi = positions.begin() + static_cast<std::ptrdiff_t>(end);
+      std::merge(lo, mid, mid, hi, merged.begin() + static_cast<std::ptrdiff_t>(bounds[r]), less);
+      next.push_back(end);
+    }
+    positions.swap(merged);
+    bounds.swap(next);
+  }
+}
+
 void OdDbDatabaseImpl::assignLoadedHandles(std::uint64_t handSeed) {
-  // Positions of the stubs that have a file handle, in handle order; of two stubs with the
-  // same handle the one read first keeps it.
   const auto count = static_cast<std::uint32_t>(stubs_.size());
   std::uint64_t maxHandle = 0;
   bool ascending = true;
@@ -214,20 +242,26 @@ void OdDbDatabaseImpl::assignLoadedHandles(std::uint64_t handSeed) {
     ascending = ascending && h > maxHandle;
     maxHandle = std::max(maxHandle, h);
   }
+  // Positions of the stubs with a file handle in handle order, when that is not file order;
+  // of two stubs with the same handle the one read first keeps it.
+  std::vector<std::uint32_t>& order = byHandle_;
+  order.clear();
   if (!ascending) {
-    std::vector<std::uint32_t> order;
+    order.reserve(count);
     for (std::uint32_t i = 0; i < count; ++i)
       if (stubs_[i].handle.value() != 0) order.push_back(i);
-    std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-      std::uint64_t ha = stubs_[a].handle.value(), hb = stubs_[b].handle.value();
-      return ha != hb ? ha < hb : a < b;
-    });
+    sortByHandle(order);
     std::uint64_t previous = 0;
+    std::size_t kept = 0;
     for (std::uint32_t i : order) {
       const std::uint64_t h = stubs_[i].handle.value();
-      if (h == previous) stubs_[i].handle = 0;
+      if (h == previous)
+        stubs_[i].handle = 0;
+      else
+        order[kept++] = i;
       previous = h;
     }
+    order.resize(kept);
   }
   hasHandles_ = maxHandle != 0;
   nextHandle_ = std::max<std::uint64_t>({maxHandle + 1, handSeed, 1});
@@ -242,13 +276,15 @@ void OdDbDatabaseImpl::assignLoadedHandles(std::uint64_t handSeed) {
     last = stub.handle.value();
   }
   stubsInHandleOrder_ = sorted;
-  byHandle_.clear();
   if (sorted) return;
-  byHandle_.resize(count);
-  for (std::uint32_t i = 0; i < count; ++i) byHandle_[i] = i;
-  std::sort(byHandle_.begin(), byHandle_.end(), [&](std::uint32_t a, std::uint32_t b) {
-    return stubs_[a].handle.value() < stubs_[b].handle.value();
-  });
+  // File handles in handle order, then the new ones, which are larger, in file order.
+  byHandle_.reserve(count);
+  if (ascending) {
+    for (std::uint32_t i = 0; i < count; ++i)
+      if (stubs_[i].handle.value() <= maxHandle) byHandle_.push_back(i);
+  }
+  for (std::uint32_t i = 0; i < count; ++i)
+    if (stubs_[i].handle.value() > maxHandle) byHandle_.push_back(i);
 }
 
 void OdDbDatabaseImpl::indexHandle(const OdDbStub* stub) {

@@ -130,6 +130,8 @@ class OdDbDatabaseImpl {
   // Gives the stubs of a freshly loaded document their handles: the file's, or a new one for
   // an object without a handle or with one an earlier object took. Then indexes them.
   void assignLoadedHandles(std::uint64_t handSeed);
+  // Sorts positions in stubs_ by handle, then position.
+  void sortByHandle(std::vector<std::uint32_t>& positions) const;
   // Makes the handle look-up find `stub`, whose handle is final.
   void indexHandle(const OdDbStub* stub);
   OdDbStub* detachedStub(std::vector<DxfTag> tags, std::uint8_t flags);
