@@ -49,8 +49,9 @@ OdDbObjectId StDWSLayerPlugin::tableOf(OdDbDatabase* db) const {
   return db ? db->getLayerTableId() : OdDbObjectId();
 }
 
+// Layer "0" and the layer dimensions put their definition points on are every drawing's.
 bool StDWSLayerPlugin::isReserved(const OdString& name) const {
-  return name == L"0";
+  return name == L"0" || name.iCompare(L"Defpoints") == 0;
 }
 
 void StDWSLayerPlugin::readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const {

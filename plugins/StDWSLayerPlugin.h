@@ -5,9 +5,9 @@
 namespace st {
 
 // Checks layers: colour, linetype, lineweight, plot flag, plot style and transparency.
-// Layer "0" is compared where a standard defines it and never reported as non-standard or
-// erased. Replacing a non-standard layer moves the entities of every block onto the standard
-// layer. Registered as "StDWSLayerPlugin"; watches AcDbLayerTableRecord.
+// Layers "0" and "Defpoints" are compared where a standard defines them and never reported
+// as non-standard or erased. Replacing a non-standard layer moves the entities of every block onto
+// the standard layer. Registered as "StDWSLayerPlugin"; watches AcDbLayerTableRecord.
 class StDWSLayerPlugin : public StSymbolTablePlugin {
  public:
   ODRX_DECLARE_MEMBERS(StDWSLayerPlugin);

@@ -34,6 +34,8 @@ class LayerPluginTest : public ::testing::Test {
     plugintest::addLayer(*plan, L"Survey", 4);                 // as the site's
     plugintest::addLayer(*plan, L"hatch_fill", 6);             // near a standard name
     plugintest::addLayer(*plan, L"Notes", 7);                  // nowhere
+    plugintest::addLayer(*plan, L"Base|Grid", 9);  // from an external reference: skipped
+    plugintest::addLayer(*plan, L"Defpoints", 7);  // every drawing's, though no standard's
     plugintest::addText(*plan, L"Walls", L"wall");
     plugintest::addText(*plan, L"hatch_fill", L"fill 1");
     plugintest::addText(*plan, L"hatch_fill", L"fill 2");
@@ -156,7 +158,7 @@ TEST_F(LayerPluginTest, ReplacingANameMovesEveryEntityAndPurgesTheOldLayer) {
   EXPECT_EQ(check().size(), 1u) << "only Walls is left";
 
   drawing_->writeFile(dir_.path() / "fixed.dxf");
-  // (ezdxf adds a Defpoints layer of its own when it reads a drawing without one.)
+  // (The xref layer stays: the plug-in leaves it alone. Defpoints is left out of the list.)
   auto result = plugintest::ezdxf(
       "doc = ezdxf.readfile(path)\n"
       "layers = sorted(l.dxf.name for l in doc.layers if l.dxf.name != 'Defpoints')\n"
@@ -165,7 +167,8 @@ TEST_F(LayerPluginTest, ReplacingANameMovesEveryEntityAndPurgesTheOldLayer) {
       dir_.path() / "fixed.dxf");
   EXPECT_EQ(result.exitCode, 0) << result.output;
   EXPECT_EQ(result.output,
-            "['0', 'Doors', 'Hatch-Fill', 'Survey', 'Walls']\n['Doors', 'Hatch-Fill', 'Walls']\n");
+            "['0', 'Base|Grid', 'Doors', 'Hatch-Fill', 'Survey', 'Walls']\n['Doors', 'Hatch-Fill', "
+            "'Walls']\n");
 }
 
 TEST_F(LayerPluginTest, ChecksOnlyTheObjectsItIsGivenWhenNotTheWholeDrawing) {
