@@ -27,6 +27,15 @@ std::string plural(std::size_t n, const char* one, const char* many) {
   return std::to_string(n) + " " + (n == 1 ? one : many);
 }
 
+std::string fileName(const std::string& path) {
+  std::size_t slash = path.find_last_of("/\\");
+  return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+// A name with no standard counterpart may have every object of its kind as a candidate; a
+// person needs the first few, the JSON report has them all.
+constexpr std::size_t kFixesShown = 5;
+
 void writeProblem(std::ostringstream& out, const ReportProblem& p, const Painter& paint) {
   std::string state = p.fixed       ? paint.green("fixed")
                       : p.ignored() ? paint.yellow("ignored by " + p.ignoredBy)
@@ -35,19 +44,24 @@ void writeProblem(std::ostringstream& out, const ReportProblem& p, const Painter
   if (!p.handle.empty()) out << paint.dim(" [" + p.handle + "]");
   out << "  " << p.title << "\n";
   if (!p.description.empty()) out << "      " << p.description << "\n";
-  if (!p.reason.empty()) out << "      " << p.reason << "\n";
   for (const ReportProperty& prop : p.properties)
     out << "      " << prop.name << ": " << prop.current << " -> " << prop.standard << "\n";
-  if (p.fixed && !p.fixedWith.empty()) {
-    out << "      fixed with " << p.fixedWith << "\n";
-  } else {
-    for (const ReportFix& fix : p.fixes) {
-      out << "      fix: " << fix.name;
-      if (!fix.standardsFile.empty()) out << " (" << fix.standardsFile << ")";
-      if (fix.recommended) out << " " << paint.bold("recommended");
-      out << "\n";
-    }
+  if (p.fixed) {
+    if (!p.fixedWith.empty()) out << "      fixed with " << p.fixedWith << "\n";
+    return;
   }
+  for (std::size_t i = 0; i < p.fixes.size() && i < kFixesShown; ++i) {
+    const ReportFix& fix = p.fixes[i];
+    out << "      fix: " << fix.name;
+    if (!fix.standardsFile.empty()) out << " (" << fileName(fix.standardsFile) << ")";
+    if (fix.recommended) out << " " << paint.bold("recommended");
+    out << "\n";
+  }
+  if (p.fixes.size() > kFixesShown)
+    out << "      "
+        << paint.dim("and " + std::to_string(p.fixes.size() - kFixesShown) +
+                     " more (see --format json)")
+        << "\n";
 }
 
 void writeDrawing(std::ostringstream& out, const DrawingReport& d, const Painter& paint) {

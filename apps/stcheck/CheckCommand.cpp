@@ -1,0 +1,201 @@
+#include "CheckCommand.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include "CheckSession.h"
+#include "DrawingFinder.h"
+#include "HtmlReport.h"
+#include "JsonReport.h"
+#include "JunitReport.h"
+#include "OdError.h"
+#include "ProgressLine.h"
+#include "SarifReport.h"
+#include "TextReport.h"
+#include "WorkerPool.h"
+
+namespace stcheck {
+
+namespace {
+
+std::string render(const CheckReport& report, const CheckOptions& options) {
+  if (options.format == "json") return JsonReport::write(report);
+  if (options.format == "html") return HtmlReport::write(report);
+  if (options.format == "junit") return JunitReport::write(report);
+  if (options.format == "sarif") return SarifReport::write(report);
+  bool color = options.output.empty() && isatty(STDOUT_FILENO) && !std::getenv("NO_COLOR");
+  return TextReport::write(report, color);
+}
+
+// Writes the report next to its target and renames it into place, so that a reader never
+// sees half a report. False, with a message, when it cannot be written.
+bool writeReport(const std::string& text, const std::string& target) {
+  std::filesystem::path path(target);
+  std::filesystem::path temp = path;
+  temp += ".part";
+  {
+    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
+    out << text;
+    out.close();
+    if (!out) {
+      std::fprintf(stderr, "stcheck: cannot write the report to %s\n", target.c_str());
+      std::error_code ec;
+      std::filesystem::remove(temp, ec);
+      return false;
+    }
+  }
+  std::error_code ec;
+  std::filesystem::rename(temp, path, ec);
+  if (ec) {
+    std::fprintf(stderr, "stcheck: cannot write the report to %s: %s\n", target.c_str(),
+                 ec.message().c_str());
+    std::filesystem::remove(temp, ec);
+    return false;
+  }
+  return true;
+}
+
+// What a worker that left no report tells about its drawing.
+std::string workerFailure(const WorkerPool::Outcome& outcome) {
+  if (!outcome.startError.empty()) return outcome.startError;
+  std::string last;
+  std::istringstream lines(outcome.output);
+  for (std::string line; std::getline(lines, line);)
+    if (!line.empty()) last = line;
+  std::string how = outcome.signal
+                        ? "the checker was stopped by signal " + std::to_string(outcome.signal)
+                        : "the checker ended with status " + std::to_string(outcome.exitCode);
+  return last.empty() ? how : how + ": " + last;
+}
+
+std::vector<DrawingReport> checkInWorkers(const std::vector<std::filesystem::path>& drawings,
+                                          const CheckOptions& options) {
+  std::filesystem::path self = WorkerPool::selfExecutable();
+  std::string pattern = (std::filesystem::temp_directory_path() / "stcheck-jobs-XXXXXX").string();
+  std::vector<char> buf(pattern.begin(), pattern.end());
+  buf.push_back('\0');
+  if (self.empty() || !mkdtemp(buf.data()))
+    throw OdError(eFileWriteError, "cannot prepare worker processes");
+  std::filesystem::path scratch(buf.data());
+
+  std::vector<WorkerPool::Task> tasks;
+  for (std::size_t i = 0; i < drawings.size(); ++i) {
+    WorkerPool::Task task;
+    task.argv = {self.string(), "check",
+                 "--format",    "json",
+                 "-o",          (scratch / ("drawing-" + std::to_string(i) + ".json")).string()};
+    for (const std::string& s : options.standards) {
+      task.argv.push_back("--standard");
+      task.argv.push_back(std::filesystem::absolute(s).string());
+    }
+    if (options.fix) task.argv.push_back("--fix");
+    if (options.showIgnored) task.argv.push_back("--show-ignored");
+    task.argv.push_back("--");
+    task.argv.push_back(drawings[i].string());
+    tasks.push_back(std::move(task));
+  }
+  ProgressLine progress(stderr);
+  auto outcomes =
+      WorkerPool::run(tasks, options.jobs, scratch, [&](std::size_t done, std::size_t index) {
+        progress.show(done, drawings.size(), drawings[index].string());
+      });
+  progress.clear();
+
+  std::vector<DrawingReport> reports;
+  for (std::size_t i = 0; i < drawings.size(); ++i) {
+    DrawingReport report;
+    std::ifstream in(scratch / ("drawing-" + std::to_string(i) + ".json"), std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    try {
+      CheckReport part = JsonReport::read(text.str());
+      if (part.drawings.size() != 1) throw std::runtime_error("report: not one drawing");
+      report = std::move(part.drawings.front());
+    } catch (const std::exception&) {
+      report.error = workerFailure(outcomes[i]);
+    }
+    report.path = drawings[i].string();
+    reports.push_back(std::move(report));
+  }
+  std::error_code ec;
+  std::filesystem::remove_all(scratch, ec);
+  return reports;
+}
+
+std::vector<DrawingReport> checkHere(const std::vector<std::filesystem::path>& drawings,
+                                     const CheckOptions& options) {
+  std::vector<DrawingReport> reports;
+  CheckSession session(options);
+  ProgressLine progress(stderr);
+  for (std::size_t i = 0; i < drawings.size(); ++i) {
+    progress.show(i + 1, drawings.size(), drawings[i].string());
+    reports.push_back(session.check(drawings[i]));
+  }
+  return reports;
+}
+
+int runCheck(const CheckOptions& options) {
+  for (const std::string& s : options.standards) {
+    if (!std::filesystem::is_regular_file(s)) {
+      std::fprintf(stderr, "stcheck: standards file %s not found\n", s.c_str());
+      return 2;
+    }
+  }
+  DrawingFinder::Found found = DrawingFinder::find(options.paths);
+  CheckReport report;
+  report.toolVersion = STAUDIT_VERSION;
+  for (const auto& [path, why] : found.missing) {
+    DrawingReport missing;
+    missing.path = path;
+    missing.error = why;
+    report.drawings.push_back(std::move(missing));
+  }
+  try {
+    auto checked = options.jobs > 1 && found.drawings.size() > 1
+                       ? checkInWorkers(found.drawings, options)
+                       : checkHere(found.drawings, options);
+    for (auto& d : checked) report.drawings.push_back(std::move(d));
+  } catch (const OdError& e) {
+    std::fprintf(stderr, "stcheck: %s\n", e.description().toUtf8().c_str());
+    return 2;
+  }
+  std::string text = render(report, options);
+  if (options.output.empty()) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fflush(stdout);
+  } else if (!writeReport(text, options.output)) {
+    return 2;
+  }
+  return report.exitCode();
+}
+
+}  // namespace
+
+void CheckCommand::add(CLI::App& app, int& exitCode) {
+  auto options = std::make_shared<CheckOptions>();
+  CLI::App* check =
+      app.add_subcommand("check", "Check drawings against their drawing standards and report");
+  check->add_option("PATH", options->paths, "Drawings, or folders searched for .dxf drawings")
+      ->required();
+  check->add_option("--standard", options->standards,
+                    "Standards file (.dws) to check against instead of the drawing's own, for "
+                    "this run only; repeat for several");
+  check->add_option("--format", options->format, "Report format")
+      ->check(CLI::IsMember({"text", "json", "html", "junit", "sarif"}));
+  check->add_option("-o,--output", options->output, "Write the report to FILE");
+  check->add_option("--jobs", options->jobs, "Check drawings in N worker processes")
+      ->check(CLI::Range(1, 256));
+  check->add_flag("--fix", options->fix,
+                  "Apply the recommended fixes and write the drawing back, keeping the "
+                  "original as NAME.bak");
+  check->add_flag("--show-ignored", options->showIgnored,
+                  "Report problems that users marked as ignored");
+  check->callback([options, &exitCode] { exitCode = runCheck(*options); });
+}
+
+}  // namespace stcheck

@@ -1,0 +1,214 @@
+#include "CheckSession.h"
+
+#include <cstdlib>
+#include <system_error>
+
+#include "HeadlessHost.h"
+#include "ModuleHost.h"
+#include "OdDbDictionary.h"
+#include "OdError.h"
+#include "OdRxClass.h"
+#include "ProblemReader.h"
+#include "StAppServices.h"
+#include "StDbReaderWriter.h"
+#include "StDialogs.h"
+#include "StEnumDWSPlugin.h"
+#include "StErrorAccumulatorImpl.h"
+#include "StExports.h"
+#include "StManager.h"
+#include "StManagerCache.h"
+#include "StManagerReactor.h"
+#include "StSettingsStorage.h"
+
+namespace stcheck {
+
+namespace {
+
+// Where the module's silent-check report goes while a drawing is checked: instead of a
+// report dialog, the problems are read into the drawing's report while the errors, fixes and
+// objects are still there.
+std::vector<ReportProblem>* g_problems = nullptr;
+
+int collectReport(st::StManager*, const st::StErrorAccumulatorImpl& found) {
+  if (g_problems) {
+    for (const auto& entry : found.errors())
+      g_problems->push_back(ProblemReader::read(entry, false));
+    for (const auto& entry : found.fixedErrors())
+      g_problems->push_back(ProblemReader::read(entry, true));
+  }
+  return 1;  // as if the report was closed: nothing interactive follows
+}
+
+// The counts of the check, as the manager announces them.
+class CountListener : public st::StManagerReactor {
+ public:
+  void checkStatistics(std::uint32_t found, std::uint32_t fixedAutomatically,
+                       std::uint32_t fixedManually, std::uint32_t ignored) override {
+    counts = {found, fixedAutomatically, fixedManually, ignored};
+  }
+  ReportCounts counts;
+};
+
+// Runs `undo` when the scope ends, whatever the way out.
+template <class F>
+class Finally {
+ public:
+  explicit Finally(F undo) : undo_(std::move(undo)) {}
+  ~Finally() { undo_(); }
+  Finally(const Finally&) = delete;
+  Finally& operator=(const Finally&) = delete;
+
+ private:
+  F undo_;
+};
+
+// Takes the association out of the drawing altogether, entries and dictionary, for a
+// drawing that had none before this run gave it one.
+void removeAssociation(OdDbDatabase* db) {
+  OdDbDictionaryPtr nod = db->getNamedObjectsDictionaryId().safeOpenObject(OdDb::kForWrite);
+  OdDbObjectId id = nod->getAt(L"AcStStandard");
+  if (id.isNull()) return;
+  {
+    OdDbDictionaryPtr list = id.safeOpenObject(OdDb::kForWrite);
+    std::vector<OdString> keys;
+    for (OdDbDictionaryIteratorPtr it = list->newIterator(); !it->done(); it->next())
+      keys.push_back(it->name());
+    for (const OdString& key : keys) list->remove(key);
+  }
+  nod->remove(L"AcStStandard");
+}
+
+// A CAD user's backup name: the drawing's name with the extension ".bak".
+std::filesystem::path backupPath(const std::filesystem::path& drawing) {
+  std::filesystem::path bak = drawing;
+  bak.replace_extension(".bak");
+  return bak;
+}
+
+}  // namespace
+
+CheckSession::CheckSession(const CheckOptions& options)
+    : options_(options), module_(std::make_unique<ModuleHost>(ModuleHost::Config::kPrivateCopy)) {
+  st::StSettingsStorage* settings = ::stSettingsStorage();
+  settings->setAutoFixProperties(options_.fix);
+  settings->setShowIgnoredProblems(options_.showIgnored);
+  st::StDialogs dialogs = st::stDialogs();
+  dialogs.errorReport = collectReport;
+  st::stSetDialogs(dialogs);
+}
+
+CheckSession::~CheckSession() {
+  st::stSetDialogs(st::StDialogs{});
+}
+
+DrawingReport CheckSession::check(const std::filesystem::path& drawing) {
+  DrawingReport report;
+  report.path = drawing.string();
+  try {
+    return checkOpen(drawing, report);
+  } catch (const OdError& e) {
+    report.error = e.description().toUtf8();
+  } catch (const std::exception& e) {
+    report.error = e.what();
+  }
+  return report;
+}
+
+DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, DrawingReport& report) {
+  std::filesystem::path absolute = std::filesystem::absolute(drawing);
+  std::vector<std::filesystem::path> standards;
+  for (const std::string& s : options_.standards) standards.push_back(std::filesystem::absolute(s));
+
+  HostDocument* doc = module_->host().openDrawing(absolute);
+  // Standards paths stored relative to the drawing are found from the drawing's folder.
+  std::error_code ec;
+  std::filesystem::path cwd = std::filesystem::current_path(ec);
+  std::filesystem::current_path(absolute.parent_path(), ec);
+  Finally restore([&] {
+    if (!cwd.empty()) std::filesystem::current_path(cwd, ec);
+    module_->host().app().documents().closeDocument(doc, true);
+  });
+  OdDbDatabase* db = doc->database();
+  st::StManagerCache* cache = st::stManagerCache();
+  if (!cache) throw OdError(eNotInitializedYet, "the standards module has no manager cache");
+
+  // Standards named for this run replace the drawing's own list in memory only.
+  bool hadList = false;
+  OdArray<OdString> ownList;
+  st::StDbReaderWriterPtr association = st::StDbReaderWriter::createObject();
+  association->setDatabase(db);
+  if (!standards.empty()) {
+    hadList = association->hasStandardsEntry();
+    association->readStandardFiles(ownList);
+    OdArray<OdString> files;
+    for (const auto& s : standards) files.push_back(OdString::fromUtf8(s.string()));
+    association->writeStandardFiles(files);
+    cache->attachDatabase(db);
+  }
+
+  st::StManager* manager = cache->getManager(db);
+  if (!manager) {
+    report.error =
+        "no standards files are associated with the drawing: name them with --standard, or "
+        "associate them with 'stcheck standards DRAWING --add FILE'";
+    return report;
+  }
+  for (const OdString& file : manager->getStandardsFiles(db)) {
+    report.standards.push_back(file.toUtf8());
+    if (!std::filesystem::is_regular_file(std::filesystem::path(file.toUtf8()), ec))
+      report.missingStandards.push_back(file.toUtf8());
+  }
+  if (!report.missingStandards.empty()) {
+    report.error = "standards file not found: " + report.missingStandards.front();
+    return report;
+  }
+  for (st::StEnumDWSPluginPtr it = manager->getPlugins(); it->current(); it->next()) {
+    st::StDWSPluginPtr plugin = it->current();
+    report.plugins.push_back({plugin->isA()->name().toUtf8(), plugin->name().toUtf8()});
+  }
+  if (report.plugins.empty()) {
+    report.error = "no standards plug-in is in use (see 'stcheck plugins'), so nothing was checked";
+    return report;
+  }
+
+  CountListener counts;
+  manager->addReactor(&counts);
+  g_problems = &report.problems;
+  {
+    Finally detach([&] {
+      g_problems = nullptr;
+      manager->removeReactor(&counts);
+    });
+    stCheckStandards();
+  }
+  // In a silent check the manager counts only what it fixed; the rest is counted here from
+  // what it handed over.
+  report.counts = counts.counts;
+  report.counts.found = static_cast<std::uint32_t>(report.problems.size());
+  report.counts.ignored = 0;
+  for (const ReportProblem& p : report.problems) report.counts.ignored += p.ignored() && !p.fixed;
+
+  bool fixedSome = false;
+  for (const ReportProblem& p : report.problems) fixedSome |= p.fixed;
+  if (options_.fix && fixedSome) {
+    if (!standards.empty()) {
+      if (hadList)
+        association->writeStandardFiles(ownList);
+      else
+        removeAssociation(db);
+    }
+    std::filesystem::path bak = backupPath(absolute);
+    std::filesystem::copy_file(absolute, bak, std::filesystem::copy_options::overwrite_existing,
+                               ec);
+    if (ec) {
+      report.error = "cannot keep the original as " + bak.string() + ": " + ec.message() +
+                     "; the drawing was not written";
+      return report;
+    }
+    module_->host().app().documents().saveDocument(doc);
+    report.backup = backupPath(drawing).string();
+  }
+  return report;
+}
+
+}  // namespace stcheck

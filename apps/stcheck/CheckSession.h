@@ -1,0 +1,52 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "CheckReport.h"
+
+namespace stcheck {
+
+class ModuleHost;
+
+struct CheckOptions {
+  std::vector<std::string> paths;
+  std::vector<std::string> standards;  // for this run instead of the drawings' own
+  std::string format = "text";
+  std::string output;  // empty for standard output
+  int jobs = 1;
+  bool fix = false;
+  bool showIgnored = false;
+};
+
+// A headless host with the standards module loaded, checking drawings one at a time the way
+// the host's own silent check does: the drawing is opened as a document, the module gives it
+// its check manager, and the module's silent check runs with the settings of this run.
+//
+// The host works on a private copy of the user's configuration (taken when the session
+// starts), so the plug-in registry and settings are the user's, while the settings this run
+// needs (automatic fixing, showing ignored problems) are never written back.
+//
+// One session per process: the host and the module are process-wide. Throws OdError when the
+// module cannot be loaded.
+class CheckSession {
+ public:
+  explicit CheckSession(const CheckOptions& options);
+  ~CheckSession();
+  CheckSession(const CheckSession&) = delete;
+  CheckSession& operator=(const CheckSession&) = delete;
+
+  // Checks one drawing; every failure (unreadable drawing, no or missing standards, a save
+  // that failed) is reported in the result's `error`, never thrown.
+  DrawingReport check(const std::filesystem::path& drawing);
+
+ private:
+  DrawingReport checkOpen(const std::filesystem::path& drawing, DrawingReport& report);
+
+  CheckOptions options_;
+  std::unique_ptr<ModuleHost> module_;
+};
+
+}  // namespace stcheck

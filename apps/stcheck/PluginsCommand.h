@@ -1,0 +1,15 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace stcheck {
+
+// `stcheck plugins [--enable CLASS]... [--disable CLASS]...`: the registered standards
+// plug-ins, whether each is in use and what it checks; switches plug-ins in or out of use in
+// the user's configuration.
+class PluginsCommand {
+ public:
+  static void add(CLI::App& app, int& exitCode);
+};
+
+}  // namespace stcheck

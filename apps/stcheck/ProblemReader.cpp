@@ -1,0 +1,85 @@
+#include "ProblemReader.h"
+
+#include "OdDbSymbolTableRecord.h"
+#include "StErrorFlags.h"
+#include "StIgnoreMarks.h"
+#include "StVariantText.h"
+
+namespace stcheck {
+
+namespace {
+
+std::string valueText(const OdString& name, const OdVariant& value,
+                      const st::StPropertyFormatterPtr& formatter) {
+  if (formatter) return formatter->format(name, value).toUtf8();
+  return st::odVariantToString(value).toUtf8();
+}
+
+std::string objectName(const OdDbObjectId& id) {
+  if (id.isNull()) return std::string();
+  OdDbObjectPtr object = id.openObject();
+  OdDbSymbolTableRecordPtr record = OdDbSymbolTableRecord::cast(object.get());
+  return record.isNull() ? std::string() : record->getName().toUtf8();
+}
+
+}  // namespace
+
+ReportProblem ProblemReader::read(const st::StErrorAccumulatorImpl::Entry& entry, bool fixed) {
+  st::StError& error = *entry.error;
+  ReportProblem p;
+  p.plugin = entry.pluginClass.toUtf8();
+  p.pluginName = entry.pluginName.toUtf8();
+  OdDbObjectId id = error.objectId();
+  p.handle = id.isNull() ? std::string() : id.getHandle().ascii();
+  p.objectName = objectName(id);
+  p.title = error.name().toUtf8();
+  p.description = error.description().toUtf8();
+  p.reason = error.reason().toUtf8();
+  p.fixed = fixed;
+  if (fixed && entry.fix) p.fixedWith = entry.fix->name().toUtf8();
+  if (error.flags() & st::kStErrorIgnored) {
+    p.ignoredBy = st::getObjectIgnoredBy(id).toUtf8();
+    if (p.ignoredBy.empty()) p.ignoredBy = "(unknown user)";
+  }
+  if (!entry.plugin) return p;
+
+  st::StDWSPlugin& plugin = *entry.plugin;
+  st::StPropertyFormatterPtr formatter = plugin.propertyFormatter();
+  OdArray<st::StFixPtr> fixes;
+  int recommended = -1;
+  plugin.getAllFixes(&error, fixes, recommended);
+  for (int i = 0; i < static_cast<int>(fixes.size()); ++i)
+    p.fixes.push_back(
+        {fixes[i]->name().toUtf8(), fixes[i]->standardsFile().toUtf8(), i == recommended});
+  // A fixed problem names the fix that was applied as the recommended one: it is the fix the
+  // module chose, whatever the plug-in offers once the object meets the standard.
+  if (fixed && entry.fix) {
+    ReportFix used{entry.fix->name().toUtf8(), entry.fix->standardsFile().toUtf8(), true};
+    bool listed = false;
+    for (ReportFix& f : p.fixes) {
+      f.recommended = f.name == used.name && f.standardsFile == used.standardsFile;
+      listed |= f.recommended;
+    }
+    if (!listed) p.fixes.insert(p.fixes.begin(), used);
+  }
+
+  // The values the fix used (or the recommended one) would change.
+  st::StFixPtr fix = fixed && entry.fix ? entry.fix
+                     : recommended >= 0 ? fixes[recommended]
+                                        : st::StFixPtr();
+  if (fix) {
+    OdArray<OdString> names;
+    OdArray<OdVariant> current;
+    plugin.getPropertyDiffs(&error, fix.get(), names, current, OdArray<OdVariant>());
+    for (int i = 0; i < static_cast<int>(names.size()); ++i) {
+      OdVariant standard;
+      fix->propertyValue(names[i], standard);
+      OdVariant now = i < static_cast<int>(current.size()) ? current[i] : OdVariant();
+      p.properties.push_back({names[i].toUtf8(), valueText(names[i], now, formatter),
+                              valueText(names[i], standard, formatter)});
+    }
+  }
+  return p;
+}
+
+}  // namespace stcheck

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "CheckReport.h"
+#include "StErrorAccumulatorImpl.h"
+
+namespace stcheck {
+
+// Turns what the module's silent check collected into report problems: the object's handle
+// and name, the problem's texts, the values the recommended fix would change (current from
+// the problem, standard from the fix), the candidate fixes with their standards files, and
+// who ignored it. Values are shown as the plug-in formats them, or as the module shows any
+// value.
+class ProblemReader {
+ public:
+  static ReportProblem read(const st::StErrorAccumulatorImpl::Entry& entry, bool fixed);
+};
+
+}  // namespace stcheck

@@ -1,0 +1,118 @@
+#include "StandardsCommand.h"
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "HeadlessHost.h"
+#include "ModuleHost.h"
+#include "OdError.h"
+#include "StDbReaderWriter.h"
+
+namespace stcheck {
+
+namespace {
+
+struct StandardsOptions {
+  std::string drawing;
+  std::vector<std::string> add;
+  std::vector<std::string> remove;
+  bool clear = false;
+};
+
+namespace fs = std::filesystem;
+
+// The path to store for a standards file named on the command line.
+std::string storedPath(const std::string& given, const fs::path& drawingDir) {
+  fs::path path(given);
+  if (path.is_absolute()) return path.lexically_normal().string();
+  return fs::absolute(path).lexically_normal().lexically_relative(drawingDir).string();
+}
+
+// Where a stored path points, read from the drawing's folder.
+fs::path resolved(const std::string& stored, const fs::path& drawingDir) {
+  fs::path path(stored);
+  return (path.is_absolute() ? path : drawingDir / path).lexically_normal();
+}
+
+int runStandards(const StandardsOptions& options) {
+  fs::path drawing = fs::absolute(options.drawing);
+  fs::path dir = drawing.parent_path();
+  for (const std::string& file : options.add) {
+    if (!fs::is_regular_file(file)) {
+      std::fprintf(stderr, "stcheck: standards file %s not found\n", file.c_str());
+      return 2;
+    }
+  }
+  try {
+    ModuleHost module(ModuleHost::Config::kPrivateCopy);
+    HostDocument* doc = module.host().openDrawing(drawing);
+    st::StDbReaderWriterPtr association = st::StDbReaderWriter::createObject();
+    association->setDatabase(doc->database());
+    OdArray<OdString> stored;
+    association->readStandardFiles(stored);
+    std::vector<std::string> files;
+    for (const OdString& s : stored) files.push_back(s.toUtf8());
+
+    bool changed = false;
+    if (options.clear && !files.empty()) {
+      files.clear();
+      changed = true;
+    }
+    for (const std::string& gone : options.remove) {
+      fs::path target = resolved(storedPath(gone, dir), dir);
+      auto it = std::find_if(files.begin(), files.end(), [&](const std::string& f) {
+        return f == gone || resolved(f, dir) == target;
+      });
+      if (it == files.end()) {
+        std::fprintf(stderr, "stcheck: %s is not associated with %s\n", gone.c_str(),
+                     options.drawing.c_str());
+        return 2;
+      }
+      files.erase(it);
+      changed = true;
+    }
+    for (const std::string& added : options.add) {
+      std::string path = storedPath(added, dir);
+      bool present = std::any_of(files.begin(), files.end(), [&](const std::string& f) {
+        return resolved(f, dir) == resolved(path, dir);
+      });
+      if (present) continue;
+      files.push_back(path);
+      changed = true;
+    }
+    if (changed) {
+      OdArray<OdString> list;
+      for (const std::string& f : files) list.push_back(OdString::fromUtf8(f));
+      if (!association->writeStandardFiles(list))
+        throw OdError(eInvalidInput, "cannot write the standards list of " + options.drawing);
+      module.host().app().documents().saveDocument(doc);
+    }
+    for (const std::string& f : files) {
+      bool exists = fs::is_regular_file(resolved(f, dir));
+      std::printf("%s%s\n", f.c_str(), exists ? "" : "  (not found)");
+    }
+    if (files.empty())
+      std::printf("no standards files are associated with %s\n", options.drawing.c_str());
+    return 0;
+  } catch (const OdError& e) {
+    std::fprintf(stderr, "stcheck: %s\n", e.description().toUtf8().c_str());
+    return 2;
+  }
+}
+
+}  // namespace
+
+void StandardsCommand::add(CLI::App& app, int& exitCode) {
+  auto options = std::make_shared<StandardsOptions>();
+  CLI::App* cmd = app.add_subcommand(
+      "standards", "List or change the standards files associated with a drawing");
+  cmd->add_option("DRAWING", options->drawing, "The drawing")->required();
+  cmd->add_option("--add", options->add, "Associate a standards file (.dws); repeat for several");
+  cmd->add_option("--remove", options->remove, "Remove a standards file from the association");
+  cmd->add_flag("--clear", options->clear, "Remove every standards file from the association");
+  cmd->callback([options, &exitCode] { exitCode = runStandards(*options); });
+}
+
+}  // namespace stcheck

@@ -1,0 +1,266 @@
+// `stcheck check`, `standards`, `plugins` and `settings` run as a user runs them, on the
+// example project written by make_examples into a temporary folder, with the module and the
+// standard plug-ins loaded from the build and a configuration file of the test's own.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "OdDbDatabase.h"
+#include "OdDbLayerTable.h"
+#include "OdDbLayerTableRecord.h"
+#include "OdDbTextStyleTable.h"
+#include "OdDbTextStyleTableRecord.h"
+#include "TestSupport.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testsupport::ProcessResult;
+using testsupport::runCommand;
+using testsupport::shellQuote;
+
+std::string readBytes(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// A project folder with the example drawings and a configuration of its own.
+class Project {
+ public:
+  Project() {
+    auto made = runCommand(shellQuote(std::string(STAUDIT_BIN_DIR) + "/make_examples") + " " +
+                           shellQuote(dir().string()));
+    EXPECT_EQ(made.exitCode, 0) << made.output;
+  }
+  const fs::path& dir() const { return temp_.path(); }
+  fs::path file(const std::string& name) const { return dir() / name; }
+
+  // Runs stcheck from the project folder.
+  ProcessResult stcheck(const std::vector<std::string>& args) const {
+    std::string line = "cd " + shellQuote(dir().string()) +
+                       " && STAUDIT_CONFIG=" + shellQuote((dir() / "config.json").string()) + " " +
+                       shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
+    for (const auto& a : args) line += " " + shellQuote(a);
+    return runCommand(line);
+  }
+
+  // Runs a Python snippet over files, with sys.argv[1:] the arguments.
+  static ProcessResult python(const std::string& script, const std::vector<std::string>& args) {
+    std::string line = std::string(STAUDIT_PYTHON) + " -c " + shellQuote(script);
+    for (const auto& a : args) line += " " + shellQuote(a);
+    return runCommand(line);
+  }
+
+ private:
+  testsupport::TempDir temp_;
+};
+
+// Problems of a JSON report as "plugin object fixed ignoredBy recommended-fix" lines, sorted.
+const char* kSummarise =
+    "import json,sys\n"
+    "r=json.load(open(sys.argv[1]))\n"
+    "for d in r['drawings']:\n"
+    "  print('drawing', d['path'].split('/')[-1], d['counts']['found'], d['remaining'],"
+    " d['error'] is not None)\n"
+    "  rows=[]\n"
+    "  for p in d['problems']:\n"
+    "    rec=[f['name']+'@'+f['standardsFile'].split('/')[-1] for f in p['fixes'] if "
+    "f['recommended']]\n"
+    "    rows.append(' '.join([p['plugin'][5:-6], p['objectName'], 'fixed' if p['fixed'] else '-',"
+    " p['ignoredBy'] or '-', rec[0] if rec else '-']))\n"
+    "  print('\\n'.join(sorted(rows)))\n";
+
+TEST(StcheckCheck, ExampleReportsEveryKindOfProblemWithItsRecommendedFix) {
+  Project project;
+  auto run = project.stcheck({"check", "floor-plan.dxf", "--format", "json", "-o", "r.json"});
+  EXPECT_EQ(run.exitCode, 1) << run.output;
+  auto summary = Project::python(kSummarise, {project.file("r.json").string()});
+  ASSERT_EQ(summary.exitCode, 0) << summary.output;
+  EXPECT_EQ(summary.output,
+            "drawing floor-plan.dxf 9 9 False\n"
+            "Dimstyle My-Dims - - -\n"
+            "Dimstyle Office-Dim - - Office-Dim@office-standards.dws\n"
+            "Layer A-ANNO-TEXT - - A-ANNO-TEXT@office-standards.dws\n"
+            "Layer A-WALL - - A-WALL@office-standards.dws\n"
+            "Layer Furniture - - -\n"
+            "Linetype Dashdot2 - - -\n"
+            "Linetype HIDDEN - - HIDDEN@office-standards.dws\n"
+            "Textstyle Notes-Arial - - -\n"
+            "Textstyle Office-Notes - - Office-Notes@office-standards.dws\n");
+
+  // The ignored sketch layer appears only when asked for, with who ignored it, and does not
+  // make the check fail.
+  run = project.stcheck(
+      {"check", "floor-plan.dxf", "--show-ignored", "--format", "json", "-o", "i.json"});
+  EXPECT_EQ(run.exitCode, 1) << run.output;
+  summary = Project::python(kSummarise, {project.file("i.json").string()});
+  EXPECT_NE(summary.output.find("Layer Ébauche - alice -\n"), std::string::npos) << summary.output;
+
+  // The text report names the values to change.
+  run = project.stcheck({"check", "floor-plan.dxf"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_NE(run.output.find("Color: red -> white"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("DIMTXT: 3.0000 -> 2.5000"), std::string::npos) << run.output;
+  EXPECT_EQ(run.output.find("\x1b["), std::string::npos) << "colours on a pipe";
+}
+
+TEST(StcheckCheck, FixWritesTheDrawingKeepsTheOriginalAndASecondCheckPasses) {
+  Project project;
+  // A plan whose only problems have a confident fix: the standards drawing with two layers
+  // and a text style changed.
+  fs::path plan = project.file("plan.dxf");
+  {
+    OdDbDatabasePtr db = OdDbDatabase::readFile(project.file("office-standards.dws"));
+    OdDbLayerTablePtr layers = db->getLayerTableId().safeOpenObject();
+    OdDbLayerTableRecordPtr wall = layers->getAt(L"A-WALL").safeOpenObject(OdDb::kForWrite);
+    wall->setColorIndex(1);
+    OdDbLayerTableRecordPtr grid = layers->getAt(L"S-GRID").safeOpenObject(OdDb::kForWrite);
+    grid->setLineWeight(OdDb::kLnWt050);
+    OdDbTextStyleTablePtr styles = db->getTextStyleTableId().safeOpenObject();
+    OdDbTextStyleTableRecordPtr notes =
+        styles->getAt(L"Office-Notes").safeOpenObject(OdDb::kForWrite);
+    notes->setXScale(1.25);
+    grid.release();
+    wall.release();
+    notes.release();
+    db->writeFile(plan);
+  }
+  const std::string original = readBytes(plan);
+  auto run = project.stcheck({"check", "plan.dxf", "--standard", "office-standards.dws"});
+  EXPECT_EQ(run.exitCode, 1) << run.output;
+  EXPECT_EQ(readBytes(plan), original) << "a check without --fix changed the drawing";
+
+  run = project.stcheck({"check", "plan.dxf", "--standard", "office-standards.dws", "--fix",
+                         "--format", "json", "-o", "fix.json"});
+  EXPECT_EQ(run.exitCode, 0) << run.output;
+  auto summary = Project::python(kSummarise, {project.file("fix.json").string()});
+  EXPECT_EQ(summary.output,
+            "drawing plan.dxf 3 0 False\n"
+            "Layer A-WALL fixed - A-WALL@office-standards.dws\n"
+            "Layer S-GRID fixed - S-GRID@office-standards.dws\n"
+            "Textstyle Office-Notes fixed - Office-Notes@office-standards.dws\n");
+  EXPECT_EQ(readBytes(project.file("plan.bak")), original);
+
+  run = project.stcheck({"check", "plan.dxf", "--standard", "office-standards.dws"});
+  EXPECT_EQ(run.exitCode, 0) << run.output;
+  // The standards named for the run were not left in the drawing.
+  run = project.stcheck({"check", "plan.dxf"});
+  EXPECT_EQ(run.exitCode, 2) << run.output;
+  EXPECT_NE(run.output.find("no standards files are associated"), std::string::npos);
+  // An independent reader sees the standard's values.
+  auto oracle = Project::python(
+      "import sys,ezdxf\n"
+      "d=ezdxf.readfile(sys.argv[1])\n"
+      "print(d.layers.get('A-WALL').dxf.color, d.layers.get('S-GRID').dxf.lineweight,"
+      " d.styles.get('Office-Notes').dxf.width)\n",
+      {plan.string()});
+  EXPECT_EQ(oracle.output, "7 13 0.8\n") << oracle.output;
+}
+
+TEST(StcheckCheck, EveryFormatIsReadableByItsOwnKindOfReader) {
+  Project project;
+  for (const char* format : {"json", "junit", "sarif", "html"}) {
+    auto run = project.stcheck(
+        {"check", "floor-plan.dxf", "--format", format, "-o", std::string("report.") + format});
+    EXPECT_EQ(run.exitCode, 1) << format << ": " << run.output;
+  }
+  auto schema = Project::python(
+      "import json,sys,jsonschema\n"
+      "jsonschema.Draft202012Validator(json.load(open(sys.argv[1]))).validate("
+      "json.load(open(sys.argv[2])))\n",
+      {std::string(STAUDIT_SOURCE_DIR) + "/docs/report.schema.json",
+       project.file("report.json").string()});
+  if (schema.output.find("No module named 'jsonschema'") == std::string::npos) {
+    EXPECT_EQ(schema.exitCode, 0) << schema.output;
+  }
+  auto junit = Project::python(
+      "import sys,xml.etree.ElementTree as E\n"
+      "r=E.parse(sys.argv[1]).getroot();print(r.get('tests'),r.get('failures'))\n",
+      {project.file("report.junit").string()});
+  EXPECT_EQ(junit.output, "9 9\n") << junit.output;
+  auto sarif = Project::python(
+      "import json,sys\n"
+      "r=json.load(open(sys.argv[1]))['runs'][0]\n"
+      "print(len(r['tool']['driver']['rules']),len(r['results']))\n",
+      {project.file("report.sarif").string()});
+  EXPECT_EQ(sarif.output, "4 9\n") << sarif.output;
+  if (fs::exists("/usr/bin/chromium")) {
+    auto dom = runCommand(
+        "/usr/bin/chromium --headless --no-sandbox --disable-gpu --no-first-run "
+        "--disable-background-networking --disable-component-update --disable-sync "
+        "--user-data-dir=" +
+        shellQuote(project.file("profile").string()) + " --dump-dom " +
+        shellQuote("file://" + project.file("report.html").string()) + " 2>/dev/null");
+    EXPECT_NE(dom.output.find("data-remaining=\"9\""), std::string::npos);
+  }
+}
+
+TEST(StcheckCheck, AFolderWithACorruptDrawingIsCheckedWholeAndWorkersAgree) {
+  Project project;
+  fs::create_directories(project.file("plans/level-1"));
+  fs::copy_file(project.file("floor-plan.dxf"), project.file("plans/a.dxf"));
+  fs::copy_file(project.file("floor-plan.dxf"), project.file("plans/level-1/b.DXF"));
+  std::ofstream(project.file("plans/broken.dxf")) << "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\n";
+  std::ofstream(project.file("plans/notes.txt")) << "not a drawing";
+  // The plans keep their association: the standards sit one folder up.
+  for (const char* d : {"plans/a.dxf", "plans/level-1/b.DXF"}) {
+    auto fix = project.stcheck({"standards", d, "--clear", "--add", "office-standards.dws", "--add",
+                                "site-standards.dws"});
+    ASSERT_EQ(fix.exitCode, 0) << fix.output;
+  }
+  auto one = project.stcheck({"check", "plans", "--format", "json", "-o", "one.json"});
+  EXPECT_EQ(one.exitCode, 2) << one.output;
+  auto two =
+      project.stcheck({"check", "plans", "--jobs", "2", "--format", "json", "-o", "two.json"});
+  EXPECT_EQ(two.exitCode, 2) << two.output;
+  auto summary = Project::python(kSummarise, {project.file("one.json").string()});
+  EXPECT_NE(summary.output.find("drawing a.dxf 9 9 False"), std::string::npos) << summary.output;
+  EXPECT_NE(summary.output.find("drawing broken.dxf 0 0 True"), std::string::npos);
+  EXPECT_NE(summary.output.find("drawing b.DXF 9 9 False"), std::string::npos);
+  EXPECT_EQ(summary.output.find("notes.txt"), std::string::npos);
+  EXPECT_EQ(readBytes(project.file("one.json")), readBytes(project.file("two.json")));
+}
+
+TEST(StcheckCommands, StandardsPluginsAndSettingsChangeWhatTheNextCheckSees) {
+  Project project;
+  auto list = project.stcheck({"standards", "floor-plan.dxf"});
+  EXPECT_EQ(list.exitCode, 0);
+  EXPECT_EQ(list.output, "office-standards.dws\nsite-standards.dws\n");
+  auto removed = project.stcheck({"standards", "floor-plan.dxf", "--remove", "site-standards.dws"});
+  EXPECT_EQ(removed.output, "office-standards.dws\n");
+  auto bad = project.stcheck({"standards", "floor-plan.dxf", "--remove", "nowhere.dws"});
+  EXPECT_EQ(bad.exitCode, 2);
+  // Without the site standard, its layer C-TOPO is no longer standard.
+  auto run = project.stcheck({"check", "floor-plan.dxf"});
+  EXPECT_NE(run.output.find("C-TOPO"), std::string::npos) << run.output;
+
+  auto plugins = project.stcheck({"plugins", "--disable", "StDWSLayerPlugin"});
+  EXPECT_EQ(plugins.exitCode, 0) << plugins.output;
+  EXPECT_NE(plugins.output.find("StDWSLayerPlugin         off"), std::string::npos)
+      << plugins.output;
+  run = project.stcheck({"check", "floor-plan.dxf"});
+  EXPECT_EQ(run.output.find("Layers"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("Linetypes"), std::string::npos) << run.output;
+  EXPECT_EQ(project.stcheck({"plugins", "--enable", "NoSuchPlugin"}).exitCode, 2);
+
+  auto settings = project.stcheck({"settings", "autoFixCommands=save,plot"});
+  EXPECT_EQ(settings.exitCode, 0);
+  EXPECT_NE(settings.output.find("autoFixCommands=save,plot\n"), std::string::npos);
+  EXPECT_EQ(project.stcheck({"settings", "autoFixProperties=maybe"}).exitCode, 2);
+
+  auto missing = project.stcheck({"check", "floor-plan.dxf", "--standard", "nowhere.dws"});
+  EXPECT_EQ(missing.exitCode, 2);
+  EXPECT_NE(missing.output.find("nowhere.dws not found"), std::string::npos);
+}
+
+TEST(StcheckExamples, CommittedExamplesAreWhatTheScriptWrites) {
+  Project project;
+  for (const char* name : {"floor-plan.dxf", "office-standards.dws", "site-standards.dws"})
+    EXPECT_EQ(readBytes(project.file(name)),
+              readBytes(fs::path(STAUDIT_SOURCE_DIR) / "examples" / name))
+        << name << " differs: run examples/make-examples.sh";
+}
+
+}  // namespace
