@@ -98,6 +98,10 @@ OdDbStub* OdDbDatabaseImpl::detachedStub(std::vector<DxfTag> tags, std::uint8_t 
 }
 
 void OdDbDatabaseImpl::load(std::unique_ptr<DxfDocument> doc) {
+  // Stubs keep section indexes in 24 bits; a drawing has a handful of sections.
+  if (doc->sectionCount() >= OdDbStub::kNoSection - 16)
+    throw OdError(eBadDxfFile, doc->fileName() + ": " + std::to_string(doc->sectionCount()) +
+                                   " sections are more than a drawing can have");
   doc_ = std::move(doc);
   slots_.assign(doc_->sectionCount(), {});
   tablesSection_ = sectionIndex("TABLES");

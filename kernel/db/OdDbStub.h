@@ -17,14 +17,18 @@ struct OdDbStub {
     kBlockView = 2,  // a BLOCK entity standing in for the block record a release-12 file lacks
     kDetached = 4,   // backed by an object of no section (a stand-in the file does not hold)
   };
-  static constexpr std::uint32_t kNoSection = 0xFFFFFFFFu;
+  // Section indexes take 24 bits, which leaves room for the flags in the same word and
+  // keeps a stub, one per object, at 32 bytes; the database refuses more sections.
+  static constexpr std::uint32_t kNoSection = 0xFFFFFFu;
 
   OdDbDatabase* db = nullptr;
   OdDbHandle handle;
-  OdDbObject* object = nullptr;        // owned by the database once made
-  std::uint32_t section = kNoSection;  // index of its section in the document
-  std::uint32_t index = 0;             // its index in that section (or in the detached list)
-  std::uint8_t flags = 0;
+  OdDbObject* object = nullptr;             // owned by the database once made
+  std::uint32_t index = 0;                  // its index in its section (or in the detached list)
+  std::uint32_t section : 24 = kNoSection;  // index of its section in the document
+  std::uint32_t flags : 8 = 0;
 
   bool isErased() const noexcept { return (flags & kErased) != 0; }
 };
+
+static_assert(sizeof(OdDbStub) == 32, "one stub per object: keep it small");
