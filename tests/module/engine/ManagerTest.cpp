@@ -242,7 +242,7 @@ TEST_F(ManagerTest, StandardsFilesAreReadThroughTheHostAndAMissingOneStopsTheSet
   OdDbLayerTablePtr read = plugin->standards[0]->getLayerTableId().safeOpenObject();
   EXPECT_TRUE(read->has(L"Walls")) << "the standards drawing is the file on disk";
 
-  // One file of two missing: the notice, and no set-up (slot 8 not raised).
+  // One file of two missing: the notice, no standardsChanged and no set-up.
   const int setups = plugin->setups;
   OdArray<OdString> files{OdString(office.c_str()), OdString((module.dir() / "gone.dws").c_str())};
   EXPECT_TRUE(manager->setStandardsFiles(drawing.get(), files));
