@@ -97,6 +97,26 @@ DxfSection& DxfDocument::insertSection(std::size_t index, std::string_view name)
   return **it;
 }
 
+std::uint32_t DxfDocument::adoptChangedTags(std::vector<DxfTag> tags) {
+  // Room to give every number back without allocating, as objects do that when they go.
+  if (freeChangedTags_.capacity() <= changedTags_.size())
+    freeChangedTags_.reserve(2 * changedTags_.size() + 16);
+  auto list = std::make_unique<std::vector<DxfTag>>(std::move(tags));
+  if (!freeChangedTags_.empty()) {
+    const std::uint32_t number = freeChangedTags_.back();
+    freeChangedTags_.pop_back();
+    changedTags_[number] = std::move(list);
+    return number;
+  }
+  changedTags_.push_back(std::move(list));
+  return static_cast<std::uint32_t>(changedTags_.size() - 1);
+}
+
+void DxfDocument::releaseChangedTags(std::uint32_t number) noexcept {
+  changedTags_[number].reset();
+  freeChangedTags_.push_back(number);  // room was made when the number was handed out
+}
+
 std::size_t DxfDocument::valueLength(const DxfTag& tag) const noexcept {
   std::size_t length = tag.shortLength();
   if (length != DxfTag::kLongLength) return length;

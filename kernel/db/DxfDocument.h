@@ -133,12 +133,15 @@ class DxfDocument {
 
  private:
   friend class DxfReader;
+  friend class DxfObject;
 
   DxfTag addToPool(int code, std::string_view bytes);
   // A tag over [offset, offset + length) of the file buffer, or of the pool with kInPool in
   // `flags`; a long length is noted in longLengths_.
   DxfTag makeTag(int code, std::size_t offset, std::size_t length, std::uint8_t flags);
   std::size_t valueLength(const DxfTag& tag) const noexcept;
+  std::uint32_t adoptChangedTags(std::vector<DxfTag> tags);
+  void releaseChangedTags(std::uint32_t number) noexcept;
   static std::uint64_t longLengthKey(bool inPool, std::uint32_t offset) noexcept {
     return (std::uint64_t(inPool) << 32) | offset;
   }
@@ -159,6 +162,10 @@ class DxfDocument {
   std::vector<DxfTag, DxfPageAllocator<DxfTag>> tags_;
   // Lengths of values too long for their tag, by longLengthKey.
   std::unordered_map<std::uint64_t, std::uint32_t> longLengths_;
+  // The tags of changed objects, a list each, numbered; a number is reused once its object
+  // goes. Declared before the objects, which give their lists back when they go.
+  std::vector<std::unique_ptr<std::vector<DxfTag>>> changedTags_;
+  std::vector<std::uint32_t> freeChangedTags_;
   std::vector<DxfObject> prologue_;
   std::vector<std::unique_ptr<DxfSection>> sections_;
   std::unique_ptr<DxfObject> eof_;

@@ -21,14 +21,48 @@ DxfObject::DxfObject(DxfDocument& doc, std::uint32_t firstTag, std::uint32_t cou
     : doc_(&doc), first_(firstTag), count_(count), byteBegin_(byteBegin), byteEnd_(byteEnd) {}
 
 DxfObject::DxfObject(DxfDocument& doc, std::vector<DxfTag> tags)
-    : doc_(&doc), own_(std::make_unique<std::vector<DxfTag>>(std::move(tags))) {}
+    : doc_(&doc), first_(doc.adoptChangedTags(std::move(tags))), count_(kChanged) {}
+
+DxfObject::DxfObject(DxfObject&& other) noexcept
+    : doc_(other.doc_),
+      first_(other.first_),
+      count_(other.count_),
+      byteBegin_(other.byteBegin_),
+      byteEnd_(other.byteEnd_) {
+  other.count_ = 0;
+}
+
+DxfObject& DxfObject::operator=(DxfObject&& other) noexcept {
+  if (this != &other) {
+    release();
+    doc_ = other.doc_;
+    first_ = other.first_;
+    count_ = other.count_;
+    byteBegin_ = other.byteBegin_;
+    byteEnd_ = other.byteEnd_;
+    other.count_ = 0;
+  }
+  return *this;
+}
+
+DxfObject::~DxfObject() {
+  release();
+}
+
+void DxfObject::release() noexcept {
+  if (count_ == kChanged) doc_->releaseChangedTags(first_);
+  count_ = 0;
+}
 
 std::size_t DxfObject::size() const noexcept {
-  return own_ ? own_->size() : count_;
+  return count_ == kChanged ? doc_->changedTags_[first_]->size() : count_;
 }
 
 std::span<const DxfTag> DxfObject::tags() const noexcept {
-  if (own_) return {own_->data(), own_->size()};
+  if (count_ == kChanged) {
+    const std::vector<DxfTag>& own = *doc_->changedTags_[first_];
+    return {own.data(), own.size()};
+  }
   return {doc_->sourceTags().data() + first_, count_};
 }
 
@@ -74,11 +108,12 @@ double DxfObject::real(std::size_t index) const {
 }
 
 std::vector<DxfTag>& DxfObject::ownTags() {
-  if (!own_) {
+  if (count_ != kChanged) {
     auto current = tags();
-    own_ = std::make_unique<std::vector<DxfTag>>(current.begin(), current.end());
+    first_ = doc_->adoptChangedTags(std::vector<DxfTag>(current.begin(), current.end()));
+    count_ = kChanged;
   }
-  return *own_;
+  return *doc_->changedTags_[first_];
 }
 
 void DxfObject::setTag(std::size_t index, const DxfTag& newTag) {
@@ -111,5 +146,10 @@ void DxfObject::eraseTag(std::size_t index) {
 }
 
 void DxfObject::setTags(std::vector<DxfTag> newTags) {
-  own_ = std::make_unique<std::vector<DxfTag>>(std::move(newTags));
+  if (count_ == kChanged) {
+    *doc_->changedTags_[first_] = std::move(newTags);
+  } else {
+    first_ = doc_->adoptChangedTags(std::move(newTags));
+    count_ = kChanged;
+  }
 }

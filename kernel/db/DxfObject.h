@@ -18,8 +18,8 @@ class DxfDocument;
 //
 // An object read from a file shares the document's tag array and remembers the byte range
 // it came from; the writer copies that range unchanged for an untouched object. The first
-// change copies the tags into the object (a few dozen bytes per tag) and drops the range,
-// after which the writer encodes the tags in the file's layout.
+// change copies the tags into a list of the object's own, kept by the document, and drops
+// the range, after which the writer encodes the tags in the file's layout.
 //
 // Objects belong to their document (which must outlive them) and are not copyable; they
 // move when their section's object list changes. Values are read through the document's
@@ -35,8 +35,10 @@ class DxfObject {
   // A new object made of tags the document made (see DxfDocument::makeText and friends).
   DxfObject(DxfDocument& doc, std::vector<DxfTag> tags);
 
-  DxfObject(DxfObject&&) noexcept = default;
-  DxfObject& operator=(DxfObject&&) noexcept = default;
+  // A moved-from object is empty.
+  DxfObject(DxfObject&& other) noexcept;
+  DxfObject& operator=(DxfObject&& other) noexcept;
+  ~DxfObject();
   DxfObject(const DxfObject&) = delete;
   DxfObject& operator=(const DxfObject&) = delete;
 
@@ -73,19 +75,26 @@ class DxfObject {
   void setTags(std::vector<DxfTag> tags);
 
   // True once any change was made (a new object is always changed).
-  bool isModified() const noexcept { return own_ != nullptr; }
+  bool isModified() const noexcept { return count_ == kChanged; }
   // The bytes this object was read from, [begin, end) of the file; meaningful only while
   // the object is not modified.
   std::uint32_t sourceBegin() const noexcept { return byteBegin_; }
   std::uint32_t sourceEnd() const noexcept { return byteEnd_; }
 
  private:
+  // In count_: the object was changed, and its tags are the document's list of changed
+  // tags number first_. Keeping them there rather than behind a pointer of its own makes
+  // an object, of which a file has hundreds of thousands, 24 bytes.
+  static constexpr std::uint32_t kChanged = 0xFFFFFFFFu;
+
   std::vector<DxfTag>& ownTags();
+  void release() noexcept;
 
   DxfDocument* doc_;
   std::uint32_t first_ = 0;
   std::uint32_t count_ = 0;
   std::uint32_t byteBegin_ = 0;
   std::uint32_t byteEnd_ = 0;
-  std::unique_ptr<std::vector<DxfTag>> own_;
 };
+
+static_assert(sizeof(DxfObject) == 24, "one per object of a file: keep it small");

@@ -201,4 +201,35 @@ TEST(DxfDocument, ValuesOfAnyLengthKeepEveryByte) {
   }
 }
 
+// Changed objects keep their tags in the document, by number: objects moving as others are
+// inserted and erased, and numbers given back and reused, must not mix them up.
+TEST(DxfDocument, ChangedObjectsKeepTheirTagsWhenObjectsMove) {
+  auto doc = DxfReader::readBuffer(
+      "0\nSECTION\n2\nENTITIES\n0\nTEXT\n1\nfirst\n0\nTEXT\n1\nsecond\n0\nENDSEC\n0\nEOF\n",
+      "moves.dxf");
+  DxfSection& entities = *doc->findSection("ENTITIES");
+  entities.object(1).setText(1, L"second, changed");
+  for (int i = 0; i < 40; ++i)
+    entities.insertObject(
+        0, {doc->makeRaw(0, "TEXT"), doc->makeText(1, OdString::fromUtf8(std::to_string(i)))});
+  for (int i = 0; i < 40; i += 2) entities.eraseObject(static_cast<std::size_t>(i / 2));
+  entities.insertObject(0, {doc->makeRaw(0, "POINT")});  // reuses a number given back
+  DxfObject moved = std::move(entities.objects().back());
+  entities.objects().pop_back();
+  entities.objects().push_back(std::move(moved));
+
+  std::vector<std::string> texts;
+  for (const DxfObject& object : entities.objects())
+    texts.push_back(std::string(object.type()) + " " +
+                    (object.size() > 1 ? std::string(object.rawValue(1)) : ""));
+  ASSERT_EQ(texts.size(), 23u);
+  EXPECT_EQ(texts[0], "POINT ");
+  EXPECT_EQ(texts[1], "TEXT 38");
+  EXPECT_EQ(texts[20], "TEXT 0");
+  EXPECT_EQ(texts[21], "TEXT first");
+  EXPECT_EQ(texts[22], "TEXT second, changed");
+  EXPECT_FALSE(entities.object(21).isModified());
+  EXPECT_TRUE(entities.object(22).isModified());
+}
+
 }  // namespace
