@@ -1,0 +1,76 @@
+// The document reactor over real drawings in a headless host: managers follow the documents
+// as they become current and close.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "EntryTestSupport.h"
+#include "StDocManagerReactor.h"
+#include "StEnumDWSPlugin.h"
+#include "StManager.h"
+#include "StManagerCache.h"
+#include "StPluginRegistrator.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using entrytest::ModuleHost;
+
+int g_noStandards = 0;
+
+std::vector<std::string> pluginClasses(st::StManager* manager) {
+  std::vector<std::string> names;
+  for (st::StEnumDWSPluginPtr it = manager->getPlugins(); !it->current().isNull(); it->next())
+    names.push_back(it->current()->isA()->name().toUtf8());
+  return names;
+}
+
+TEST(StDocManagerReactor, ManagersFollowTheDocuments) {
+  ModuleHost m({"EngineLayerPlugin"});
+  st::StDocManagerReactor::setNoStandardsHook([] { ++g_noStandards; });
+  g_noStandards = 0;
+  const std::vector<fs::path> office{entrytest::writeDrawing(m.dir.path() / "office.dws")};
+  const std::vector<fs::path> none;
+  HostDocument* plan =
+      m.host.openDrawing(entrytest::writeDrawing(m.dir.path() / "plan.dxf", &office));
+  st::StManagerCache* cache = st::stManagerCache();
+  ASSERT_NE(cache, nullptr);
+  OdDbDatabasePtr planDb = plan->database();
+  st::StManager* manager = cache->getManager(planDb.get());
+  ASSERT_NE(manager, nullptr) << m.output();
+  EXPECT_EQ(pluginClasses(manager), std::vector<std::string>{"EngineLayerPlugin"});
+
+  // No list at all: the "no standards" state; an empty list: no manager either.
+  HostDocument* bare = m.host.openDrawing(entrytest::writeDrawing(m.dir.path() / "bare.dxf"));
+  EXPECT_EQ(g_noStandards, 1);
+  EXPECT_FALSE(cache->hasManager(bare->database()));
+  HostDocument* empty =
+      m.host.openDrawing(entrytest::writeDrawing(m.dir.path() / "empty.dxf", &none));
+  EXPECT_EQ(g_noStandards, 1);
+  EXPECT_FALSE(cache->hasManager(empty->database()));
+
+  // Current again: the same manager, refreshed from the registry.
+  st::stPluginRegistrator()->setPluginNotInUse(L"EngineLayerPlugin");
+  ASSERT_TRUE(m.host.makeCurrent(plan));
+  EXPECT_EQ(cache->getManager(planDb.get()), manager);
+  EXPECT_TRUE(pluginClasses(manager).empty());
+
+  ASSERT_TRUE(m.host.closeDrawing(plan));
+  EXPECT_FALSE(cache->hasManager(planDb.get()));
+  EXPECT_TRUE(m.host.closeDrawing(empty));
+  st::StDocManagerReactor::setNoStandardsHook(nullptr);
+}
+
+TEST(StDocManagerReactor, IsOneObjectAddedAndRemovedWithTheModule) {
+  ModuleHost m;
+  std::shared_ptr<st::StDocManagerReactor> reactor = st::stDocManagerReactor();
+  EXPECT_EQ(st::stDocManagerReactor(), reactor);
+  ASSERT_TRUE(m.host.app().unloadModule(L"StandardsAudit"));
+  EXPECT_EQ(reactor.use_count(), 1) << "the module let it go";
+  // A drawing opened now reaches no reactor of the module.
+  m.host.openDrawing(entrytest::writeDrawing(m.dir.path() / "plan.dxf"));
+}
+
+}  // namespace
