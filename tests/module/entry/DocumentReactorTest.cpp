@@ -63,14 +63,4 @@ TEST(StDocManagerReactor, ManagersFollowTheDocuments) {
   st::StDocManagerReactor::setNoStandardsHook(nullptr);
 }
 
-TEST(StDocManagerReactor, IsOneObjectAddedAndRemovedWithTheModule) {
-  ModuleHost m;
-  std::shared_ptr<st::StDocManagerReactor> reactor = st::stDocManagerReactor();
-  EXPECT_EQ(st::stDocManagerReactor(), reactor);
-  ASSERT_TRUE(m.host.app().unloadModule(L"StandardsAudit"));
-  EXPECT_EQ(reactor.use_count(), 1) << "the module let it go";
-  // A drawing opened now reaches no reactor of the module.
-  m.host.openDrawing(entrytest::writeDrawing(m.dir.path() / "plan.dxf"));
-}
-
 }  // namespace
