@@ -14,11 +14,15 @@ ODRX_DEFINE_MEMBERS(StDWSDimstylePlugin, StDWSPlugin);
 
 namespace {
 
+bool isReference(int code) {
+  return code >= 320 && code <= 369;
+}
+
 // A dimension variable's value as compared and shown: references by the referenced record's
 // name (handles mean nothing across drawings), numbers in the width their group code has.
 OdVariant dimVarValue(const OdResBuf& value, OdDbDatabase* db) {
   const int code = value.restype();
-  if (code >= 320 && code <= 369) {
+  if (isReference(code)) {
     OdDbSymbolTableRecordPtr record =
         OdDbSymbolTableRecord::cast(value.getObjectId(db).openObject().get());
     return OdVariant(record.isNull() ? OdString() : record->getName());
@@ -63,7 +67,11 @@ bool StDWSDimstylePlugin::isReserved(const OdString& name) const {
 
 void StDWSDimstylePlugin::readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const {
   auto& style = static_cast<OdDbDimStyleTableRecord&>(record);
+  // A drawing before release 13 has no handles, so it cannot name a text style, linetype or
+  // arrow block in a dimension style: those are compared only where the drawing can hold them.
+  const bool byHandle = drawing() && drawing()->versionNumber() >= 1012;
   for (int code : OdDbDimStyleTableRecord::dimVarCodes()) {
+    if (isReference(code) && !byHandle) continue;
     OdResBufPtr value = style.getDimVar(code);
     if (!value.isNull())
       out.emplace_back(OdDbDimStyleTableRecord::dimVarName(code),

@@ -60,7 +60,10 @@ void StDWSLayerPlugin::readProperties(OdDbSymbolTableRecord& record, StPropertyL
   out.emplace_back(L"Linetype", OdVariant(layer.linetypeName()));
   out.emplace_back(L"Lineweight", layerLineWeightToOdVariant(&layer));
   out.emplace_back(L"Plot", OdVariant(layer.isPlottable()));
-  out.emplace_back(L"Plot style", OdVariant(plotStyleName(layer)));
+  // Plot styles by name only where the drawing has named plot styles: a drawing of an older
+  // release cannot be given one, and would be told of a difference no fix can remove.
+  if (drawing() && !plotStyles(drawing()).isNull())
+    out.emplace_back(L"Plot style", OdVariant(plotStyleName(layer)));
   out.emplace_back(L"Transparency", OdVariant(layer.transparency()));
 }
 

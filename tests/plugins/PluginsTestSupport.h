@@ -26,6 +26,7 @@
 #include "OdDbText.h"
 #include "OdDbTextStyleTable.h"
 #include "OdDbTextStyleTableRecord.h"
+#include "OdError.h"
 #include "OdResBuf.h"
 #include "OdRxClass.h"
 #include "OdRxDynamicLinker.h"
