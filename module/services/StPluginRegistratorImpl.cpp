@@ -6,6 +6,7 @@
 #include "OdRxDynamicLinker.h"
 #include "StAppServices.h"
 #include "StConfigValue.h"
+#include "StPluginLibraries.h"
 #include "StStandardRegistration.h"
 #include "StStateSaver.h"
 #include "StStringTable.h"
@@ -59,6 +60,7 @@ void StPluginRegistratorImpl::loadLibraries() {
     if (!module) {
       try {
         module = linker->loadModule(library.dllName, true);
+        if (module) stRememberPluginLibrary(library.dllName);
       } catch (const OdError&) {
         // A file that is there but is no module of this kernel fails like a missing one:
         // the user learns which library, and the other libraries still load.
