@@ -17,6 +17,7 @@
 #include "StError.h"
 #include "StFix.h"
 #include "StManager.h"
+#include "StPluginLibraries.h"
 #include "StTableProxy.h"
 
 namespace st {
@@ -72,6 +73,13 @@ void StModule::initApp() {
 }
 
 void StModule::uninitApp() {
+  // The plug-in classes of the libraries the registry loaded derive from StDWSPlugin, whose
+  // descriptor cannot go while they are registered; and those libraries cannot go while
+  // their plug-ins live in the managers the services hold. So the services go first, then
+  // the libraries, then the module's own classes.
+  removeDocumentReactor();
+  stReleaseAppServices();
+  stUnloadPluginLibraries();
   std::exception_ptr first;
   for (const auto& cls : kClasses) {
     try {
@@ -80,8 +88,6 @@ void StModule::uninitApp() {
       if (!first) first = std::current_exception();
     }
   }
-  removeDocumentReactor();
-  stReleaseAppServices();
   unregisterCommands();
   if (first) std::rethrow_exception(first);
 }

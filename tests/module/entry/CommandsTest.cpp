@@ -8,6 +8,7 @@
 
 #include "EntryTestSupport.h"
 #include "HostMessage.h"
+#include "OdRxDynamicLinker.h"
 
 namespace {
 
@@ -25,7 +26,8 @@ const char* const kMissingBox =
     "  One or more standards files associated with this drawing can't be located.\n";
 
 TEST(StModuleCommands, LoadingRegistersBothAndUnloadingRemovesThem) {
-  ModuleHost m;
+  ModuleHost m({"EngineLayerPlugin"});
+  ASSERT_FALSE(odrxDynamicLinker()->getModule(L"EngineTestPlugins").isNull()) << m.output();
   HostCommandRegistry& commands = m.host.app().commands();
   for (const wchar_t* name : {L"CHECKSTANDARDS", L"STANDARDS"}) {
     const HostCommandRegistry::Command* command = commands.find(name);
@@ -36,6 +38,8 @@ TEST(StModuleCommands, LoadingRegistersBothAndUnloadingRemovesThem) {
   ASSERT_TRUE(m.host.app().unloadModule(L"StandardsAudit"));
   EXPECT_EQ(commands.find(L"CHECKSTANDARDS"), nullptr);
   EXPECT_EQ(commands.find(L"STANDARDS"), nullptr);
+  EXPECT_TRUE(odrxDynamicLinker()->getModule(L"EngineTestPlugins").isNull())
+      << "the plug-in library the module loaded went with it";
 }
 
 TEST(StModuleCommands, CheckWithoutStandardsOffersToAssociateThem) {

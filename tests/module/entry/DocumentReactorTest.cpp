@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "EntryTestSupport.h"
+#include "StAppServices.h"
 #include "StDocManagerReactor.h"
 #include "StEnumDWSPlugin.h"
 #include "StManager.h"

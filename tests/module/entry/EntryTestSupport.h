@@ -13,8 +13,6 @@
 #include "OdDbDatabase.h"
 #include "OdDbLayerTable.h"
 #include "OdDbLayerTableRecord.h"
-#include "OdRxDynamicLinker.h"
-#include "StAppServices.h"
 #include "StDbReaderWriter.h"
 #include "TestSupport.h"
 
@@ -26,7 +24,8 @@ namespace fs = std::filesystem;
 // colour differs from the standard's.
 inline const char* const kTestPluginLibrary = "EngineTestPlugins";
 
-// A headless host with the module loaded by file name. The configuration registers the
+// A headless host with the module loaded by file name, which the host unloads when it shuts
+// down (with the plug-in library the module loaded). The configuration registers the
 // default plug-in library without a file, so that no plug-in loads but those asked for here,
 // from the test plug-in library.
 class ModuleHost {
@@ -34,13 +33,6 @@ class ModuleHost {
   explicit ModuleHost(const std::vector<std::string>& testPlugins = {})
       : host(HeadlessHost::Options{configure(dir.path() / "config.json", testPlugins), nullptr}) {
     host.loadModule(L"StandardsAudit");
-  }
-  // The plug-ins' code must stay until their objects have gone: the drawings close (their
-  // managers go), the services go, then the plug-in library, and the host unloads the module.
-  ~ModuleHost() {
-    host.app().documents().closeAll();
-    st::stReleaseAppServices();
-    odrxDynamicLinker()->unloadModule(OdString::fromUtf8(kTestPluginLibrary));
   }
   ModuleHost(const ModuleHost&) = delete;
   ModuleHost& operator=(const ModuleHost&) = delete;

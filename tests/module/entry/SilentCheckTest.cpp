@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "EntryTestSupport.h"
+#include "StAppServices.h"
 #include "StDialogs.h"
 #include "StErrorAccumulatorImpl.h"
 #include "StExports.h"
