@@ -67,6 +67,7 @@ void StModule::initApp() {
   } catch (...) {
     removeDocumentReactor();
     stReleaseAppServices();
+    stUnloadPluginLibraries();
     for (std::size_t i = 0; i < registered; ++i) kClasses[i].rxUninit();
     throw;
   }
