@@ -627,13 +627,31 @@ OdString OdDbDatabaseImpl::checkedRecordName(const OdDbObjectId& id, TableKind k
   if (id.isNull()) throw OdError(eNullObjectId, "no record given");
   if (id.database() != self_)
     throw OdError(eWrongDatabase, "the record belongs to another drawing");
+  OdDbStub* stub = id.stub();
   if (id.isErased())
-    throw OdError(eWasErased, "the record " + recordName(id.stub()).toUtf8() + " is erased");
-  OdDbStub* table = tables_[kind];
-  for (OdDbStub* rec : tableRecords(table))
-    if (rec == id.stub()) return recordName(rec);
-  if (kind == kBlockRecord && (id.stub() == modelSpace() || id.stub() == paperSpace()))
-    return recordName(id.stub());
+    throw OdError(eWasErased, "the record " + recordName(stub).toUtf8() + " is erased");
+  if (isRecordOf(stub, kind)) return recordName(stub);
+  if (kind == kBlockRecord && (stub == modelSpace() || stub == paperSpace()))
+    return recordName(stub);
   throw OdError(eInvalidInput, "the object " + id.getHandle().ascii() + " is not a record of the " +
                                    tableName(kind) + " table");
+}
+
+bool OdDbDatabaseImpl::isRecordOf(const OdDbStub* stub, TableKind kind) const {
+  // Every reference setter asks this, so it must not walk the table: a record of the table
+  // is an object of the table's record type placed after the table's head in the same
+  // section, and, when it names an owner, owned by no other table.
+  const OdDbStub* table = tables_[kind];
+  if (!table || stub->section == OdDbStub::kNoSection) return false;
+  if (kind == kBlockRecord && r12Blocks_)
+    return stub->section == blocksSection_ && (stub->flags & OdDbStub::kBlockView) != 0;
+  if (stub->section != table->section || stub->index <= table->index) return false;
+  const DxfObject& obj = dxf(stub);
+  if (obj.type() != recordType(kind)) return false;
+  std::uint64_t owner = 0;
+  bool paper = false;
+  entityPlacement(obj, owner, paper);
+  if (owner == 0 || owner == table->handle.value()) return true;
+  const OdDbStub* ownerStub = stubByHandle(owner);
+  return !ownerStub || ownerStub->section != table->section || dxf(ownerStub).type() != "TABLE";
 }

@@ -94,6 +94,9 @@ class OdDbDatabaseImpl {
   // reference by name. Throws OdError: eNullObjectId, eWrongDatabase, eWasErased, or
   // eInvalidInput when it is a record of another table.
   OdString checkedRecordName(const OdDbObjectId& id, TableKind kind);
+  // Whether `stub` is a record of table `kind` of this database, in constant time (erased
+  // ones included; model and paper space stand-ins the file lacks are not).
+  bool isRecordOf(const OdDbStub* stub, TableKind kind) const;
   // The kind of table a stub is the head of, or kTableKinds.
   TableKind tableKindOf(const OdDbStub* table) const;
   // The entities of a block record, in file order, without sub-entities (vertices,
