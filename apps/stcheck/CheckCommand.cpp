@@ -73,6 +73,50 @@ std::string workerFailure(const WorkerPool::Outcome& outcome) {
   return last.empty() ? how : how + ": " + last;
 }
 
+// A batch of drawings for one worker process, and where it writes its report.
+struct Chunk {
+  std::size_t first = 0;  // index of its first drawing
+  std::size_t count = 0;
+  std::filesystem::path report;
+};
+
+WorkerPool::Task workerTask(const std::filesystem::path& self, const CheckOptions& options,
+                            const std::vector<std::filesystem::path>& drawings,
+                            const Chunk& chunk) {
+  WorkerPool::Task task;
+  task.argv = {self.string(), "check", "--format", "json", "-o", chunk.report.string()};
+  for (const std::string& s : options.standards) {
+    task.argv.push_back("--standard");
+    task.argv.push_back(std::filesystem::absolute(s).string());
+  }
+  if (options.fix) task.argv.push_back("--fix");
+  if (options.showIgnored) task.argv.push_back("--show-ignored");
+  task.argv.push_back("--");
+  for (std::size_t i = chunk.first; i < chunk.first + chunk.count; ++i)
+    task.argv.push_back(drawings[i].string());
+  return task;
+}
+
+// The drawings of a chunk's report, or false when the worker left none or another one (it
+// crashed, or was killed).
+bool readChunk(const Chunk& chunk, std::vector<DrawingReport>& out) {
+  std::ifstream in(chunk.report, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  try {
+    CheckReport part = JsonReport::read(text.str());
+    if (part.drawings.size() != chunk.count) return false;
+    out = std::move(part.drawings);
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+// Checks the drawings in worker processes. Starting a worker costs about as much as checking
+// a small drawing, so each takes a run of drawings: a few runs per job keep the jobs busy to
+// the end. A worker that leaves no report (a drawing crashed it) has its drawings checked
+// again one per worker, so only the drawing at fault is reported as not checked.
 std::vector<DrawingReport> checkInWorkers(const std::vector<std::filesystem::path>& drawings,
                                           const CheckOptions& options) {
   std::filesystem::path self = WorkerPool::selfExecutable();
@@ -83,45 +127,50 @@ std::vector<DrawingReport> checkInWorkers(const std::vector<std::filesystem::pat
     throw OdError(eFileWriteError, "cannot prepare worker processes");
   std::filesystem::path scratch(buf.data());
 
+  const std::size_t chunkCount =
+      std::min(drawings.size(), static_cast<std::size_t>(options.jobs) * 4);
+  std::vector<Chunk> chunks;
+  for (std::size_t c = 0, first = 0; c < chunkCount; ++c) {
+    std::size_t count = drawings.size() / chunkCount + (c < drawings.size() % chunkCount ? 1 : 0);
+    chunks.push_back({first, count, scratch / ("chunk-" + std::to_string(c) + ".json")});
+    first += count;
+  }
   std::vector<WorkerPool::Task> tasks;
-  for (std::size_t i = 0; i < drawings.size(); ++i) {
-    WorkerPool::Task task;
-    task.argv = {self.string(), "check",
-                 "--format",    "json",
-                 "-o",          (scratch / ("drawing-" + std::to_string(i) + ".json")).string()};
-    for (const std::string& s : options.standards) {
-      task.argv.push_back("--standard");
-      task.argv.push_back(std::filesystem::absolute(s).string());
-    }
-    if (options.fix) task.argv.push_back("--fix");
-    if (options.showIgnored) task.argv.push_back("--show-ignored");
-    task.argv.push_back("--");
-    task.argv.push_back(drawings[i].string());
-    tasks.push_back(std::move(task));
-  }
-  ProgressLine progress(stderr);
-  auto outcomes =
-      WorkerPool::run(tasks, options.jobs, scratch, [&](std::size_t done, std::size_t index) {
-        progress.show(done, drawings.size(), drawings[index].string());
-      });
-  progress.clear();
+  for (const Chunk& chunk : chunks) tasks.push_back(workerTask(self, options, drawings, chunk));
 
-  std::vector<DrawingReport> reports;
-  for (std::size_t i = 0; i < drawings.size(); ++i) {
-    DrawingReport report;
-    std::ifstream in(scratch / ("drawing-" + std::to_string(i) + ".json"), std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    try {
-      CheckReport part = JsonReport::read(text.str());
-      if (part.drawings.size() != 1) throw std::runtime_error("report: not one drawing");
-      report = std::move(part.drawings.front());
-    } catch (const std::exception&) {
-      report.error = workerFailure(outcomes[i]);
+  ProgressLine progress(stderr);
+  std::size_t checked = 0;
+  WorkerPool::run(tasks, options.jobs, scratch, [&](std::size_t, std::size_t index) {
+    checked += chunks[index].count;
+    progress.show(checked, drawings.size(), drawings[chunks[index].first].string());
+  });
+
+  std::vector<DrawingReport> reports(drawings.size());
+  std::vector<Chunk> retry;
+  for (const Chunk& chunk : chunks) {
+    std::vector<DrawingReport> part;
+    if (!readChunk(chunk, part)) {
+      for (std::size_t i = chunk.first; i < chunk.first + chunk.count; ++i)
+        retry.push_back({i, 1, scratch / ("drawing-" + std::to_string(i) + ".json")});
+      continue;
     }
-    report.path = drawings[i].string();
-    reports.push_back(std::move(report));
+    for (std::size_t i = 0; i < chunk.count; ++i) reports[chunk.first + i] = std::move(part[i]);
   }
+  if (!retry.empty()) {
+    std::vector<WorkerPool::Task> singles;
+    for (const Chunk& chunk : retry) singles.push_back(workerTask(self, options, drawings, chunk));
+    auto outcomes = WorkerPool::run(singles, options.jobs, scratch, nullptr);
+    for (std::size_t r = 0; r < retry.size(); ++r) {
+      std::vector<DrawingReport> part;
+      DrawingReport& report = reports[retry[r].first];
+      if (readChunk(retry[r], part))
+        report = std::move(part.front());
+      else
+        report.error = workerFailure(outcomes[r]);
+    }
+  }
+  progress.clear();
+  for (std::size_t i = 0; i < drawings.size(); ++i) reports[i].path = drawings[i].string();
   std::error_code ec;
   std::filesystem::remove_all(scratch, ec);
   return reports;
