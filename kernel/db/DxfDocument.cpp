@@ -289,6 +289,18 @@ std::vector<DxfTag> DxfDocument::headerVariable(std::string_view name) const {
                              tags.begin() + static_cast<std::ptrdiff_t>(end));
 }
 
+const DxfObject* DxfDocument::headerObject() const {
+  const DxfSection* header = findSection("HEADER");
+  return header ? &header->head() : nullptr;
+}
+
+std::pair<std::size_t, std::size_t> DxfDocument::headerVariableRange(std::string_view name) const {
+  const DxfObject* head = headerObject();
+  std::size_t at = head ? findVariable(*this, *head, name) : DxfObject::npos;
+  if (at == DxfObject::npos) return {DxfObject::npos, DxfObject::npos};
+  return {at + 1, variableEnd(*head, at)};
+}
+
 OdString DxfDocument::headerText(std::string_view name) const {
   auto values = headerVariable(name);
   return values.empty() ? OdString() : text(values.front());

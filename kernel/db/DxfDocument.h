@@ -124,6 +124,10 @@ class DxfDocument {
   std::vector<DxfTag> headerVariable(std::string_view name) const;
   OdString headerText(std::string_view name) const;
   void setHeaderVariable(std::string_view name, const std::vector<DxfTag>& values);
+  // The head of the HEADER section, which holds the variables; null when there is none.
+  const DxfObject* headerObject() const;
+  // Where the value tags of `name` are in headerObject(): [first, end), or {npos, npos}.
+  std::pair<std::size_t, std::size_t> headerVariableRange(std::string_view name) const;
 
   // "line 12" (ASCII) or "byte offset 345" (binary) where a tag as read starts, for error
   // messages of the layers above; "a changed tag" for tags made later.

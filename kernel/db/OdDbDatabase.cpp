@@ -1,6 +1,7 @@
 #include "OdDbDatabase.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "DxfReader.h"
 #include "DxfWriter.h"
@@ -209,4 +210,103 @@ void OdDbDatabase::wblockCloneObjects(const OdDbObjectIdArray& ids, const OdDbOb
                                        OdDbDatabaseImpl::tableName(kind) + " table");
     cloner.clone(id.stub(), kind, drc, true);
   }
+}
+
+OdResBufPtr OdDbDatabase::getHeaderVariable(const OdString& name) const {
+  const DxfDocument& doc = impl_->doc();
+  auto [first, end] = doc.headerVariableRange(name.toUtf8());
+  if (first == DxfObject::npos || first == end) return OdResBufPtr();
+  return OdResBuf::fromTags(*doc.headerObject(), first, end);
+}
+
+void OdDbDatabase::setHeaderVariable(const OdString& name, const OdResBuf* values) {
+  const std::string key = name.toUtf8();
+  if (key.size() < 2 || key.front() != '$' || key.find_first_of(" \t\r\n") != std::string::npos)
+    throw OdError(eInvalidInput, "\"" + key + "\" is not a header variable name");
+  if (!values) throw OdError(eInvalidInput, "no value given for the header variable " + key);
+  DxfDocument& doc = impl_->doc();
+  doc.setHeaderVariable(key, OdResBuf::toTags(doc, values));
+}
+
+namespace {
+
+bool isPointerCode(int code) {
+  return (code >= 330 && code <= 369) || (code >= 390 && code <= 399) || code == 480 ||
+         code == 481 || code == 1005;
+}
+
+// Calls `found` with each handle `obj` points to: its pointer groups and the handles of its
+// extended data. Its own owner link (the first 330 of its common tags) and the back links of
+// its 102 groups (reactors, extension dictionary) are not references to what they name.
+template <class F>
+void forEachPointer(const DxfObject& obj, F found) {
+  bool ownerSeen = false;
+  int markers = 0;
+  const std::size_t n = obj.size();
+  for (std::size_t i = 1; i < n; ++i) {
+    const int code = obj.code(i);
+    if (code == 102) {
+      std::string_view v = obj.rawValue(i);
+      if (v.find('{') != std::string_view::npos) {
+        while (i + 1 < n && obj.code(i + 1) != 102) ++i;
+        ++i;
+      }
+      continue;
+    }
+    if (code == 100) ++markers;
+    if (!isPointerCode(code)) continue;
+    if (code == 330 && !ownerSeen && markers < 2) {
+      ownerSeen = true;
+      continue;
+    }
+    OdDbHandle h;
+    if (OdDbHandle::parse(obj.rawValue(i), h) && h.value() != 0) found(h.value());
+  }
+}
+
+}  // namespace
+
+std::vector<std::pair<OdDbObjectId, OdDbObjectId>> OdDbDatabase::handleReferences(
+    const OdDbObjectIdArray& targets) const {
+  std::vector<std::pair<OdDbObjectId, OdDbObjectId>> result;
+  std::unordered_map<std::uint64_t, OdDbStub*> wanted;
+  for (const OdDbObjectId& id : targets)
+    if (!id.isNull() && id.database() == this) wanted.emplace(id.stub()->handle.value(), id.stub());
+  if (wanted.empty()) return result;
+  const DxfDocument& doc = impl_->doc();
+  for (std::size_t s = 0; s < doc.sectionCount(); ++s) {
+    const auto& slots = impl_->slots(s);
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+      OdDbStub* holder = slots[i];
+      if (!holder || holder->isErased()) continue;
+      const DxfObject& obj = doc.section(s).object(i);
+      // A table's head lists its records: ownership, not use.
+      if (obj.type() == "TABLE") continue;
+      forEachPointer(obj, [&](std::uint64_t handle) {
+        auto it = wanted.find(handle);
+        if (it == wanted.end() || it->second == holder) return;
+        std::pair<OdDbObjectId, OdDbObjectId> entry{OdDbObjectId(it->second), OdDbObjectId(holder)};
+        if (result.empty() || result.back() != entry) result.push_back(entry);
+      });
+    }
+  }
+  return result;
+}
+
+bool OdDbDatabase::isReferencedByHandle(const OdDbObjectId& target) const {
+  OdDbObjectIdArray targets;
+  targets.push_back(target);
+  return !handleReferences(targets).empty();
+}
+
+bool OdDbDatabase::refersByHandle(const OdDbObjectId& holder, const OdDbObjectId& target) const {
+  if (holder.isNull() || target.isNull() || holder == target || holder.database() != this ||
+      target.database() != this || holder.isErased())
+    return false;
+  const DxfObject& obj = impl_->dxf(holder.stub());
+  if (obj.type() == "TABLE") return false;
+  const std::uint64_t wanted = target.stub()->handle.value();
+  bool refers = false;
+  forEachPointer(obj, [&](std::uint64_t handle) { refers = refers || handle == wanted; });
+  return refers;
 }

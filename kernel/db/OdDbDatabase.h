@@ -3,9 +3,12 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "OdDbIdMapping.h"
 #include "OdDbObjectId.h"
+#include "OdResBuf.h"
 #include "OdRxMacros.h"
 #include "OdString.h"
 
@@ -58,6 +61,28 @@ class OdDbDatabase : public OdRxObject {
   // The number of decimal places lengths are shown with ($LUPREC), 0-8; 4 when the file has
   // none or a value outside that range.
   int getLUPREC() const;
+
+  // A header variable ("$CLAYER") as a chain of result buffers, one per value (a point is
+  // three, under 10, 20 and 30); null when the drawing has no such variable. Names compare
+  // exactly, as the file spells them.
+  OdResBufPtr getHeaderVariable(const OdString& name) const;
+  // Gives the variable `name` the values of `values`, or adds it at the end of the header
+  // when the drawing lacks it; every other variable is written as it was read. Throws
+  // OdError(eInvalidInput) for a name not starting with '$', an empty chain or a value a
+  // drawing cannot store under its group code.
+  void setHeaderVariable(const OdString& name, const OdResBuf* values);
+
+  // Whether an object of the drawing other than `target` itself and the head of its symbol
+  // table refers to it by handle: through a pointer group (330-369, 390-399, 480-481) or
+  // extended data (1005). An object's link to its own owner does not count, nor do erased
+  // objects. Reads every object's tags: linear in the size of the drawing.
+  bool isReferencedByHandle(const OdDbObjectId& target) const;
+  // The same for many targets in one walk: every (target, holder) pair, holders in file
+  // order. Targets of another drawing and null ids are left out.
+  std::vector<std::pair<OdDbObjectId, OdDbObjectId>> handleReferences(
+      const OdDbObjectIdArray& targets) const;
+  // Whether `holder` refers to `target` by handle, by the same rules; reads one object.
+  bool refersByHandle(const OdDbObjectId& holder, const OdDbObjectId& target) const;
 
   // Well-known objects; null ids when the drawing lacks them (a release-12 file has no
   // named-object dictionary).

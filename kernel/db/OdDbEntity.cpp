@@ -35,6 +35,14 @@ void OdDbEntity::setReference(const char* subclass, int code, int kind, const Od
   OdDbTagRange(dxf(), subclass).setText(code, name, after);
 }
 
+OdDbObjectIdArray OdDbEntity::subEntityIds() const {
+  OdDbObjectIdArray ids;
+  if (!database() || !objectId().stub()) return ids;
+  for (OdDbStub* stub : database()->impl().followers(objectId().stub()))
+    ids.push_back(OdDbObjectId(stub));
+  return ids;
+}
+
 OdString OdDbEntity::layer() const {
   return referenceName(kEntity, 8, L"0");
 }

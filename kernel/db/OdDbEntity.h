@@ -13,6 +13,12 @@ class OdDbEntity : public OdDbObject {
   // The block record that holds the entity.
   OdDbObjectId blockId() const { return ownerId(); }
 
+  // The entities that belong to this one and follow it in the file, which a block's
+  // iterator does not list: an insert's attributes, a polyline's vertices and the SEQEND
+  // that closes them, in file order (erased ones included). Empty for other entities and
+  // for an entity in no drawing.
+  OdDbObjectIdArray subEntityIds() const;
+
   OdString layer() const;
   OdDbObjectId layerId() const;
   // Moves the entity to a layer of the same drawing (OdError eWrongDatabase, eInvalidInput
