@@ -19,6 +19,7 @@ class StDWSLayerPlugin : public StSymbolTablePlugin {
   void readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const override;
   bool applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) override;
   OdDbObjectId copyIn(OdDbDatabase* drawing, OdDbDatabase* standard, const OdString& name) override;
+  std::vector<const char*> headerVariables() const override { return {"$CLAYER"}; }
   void collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const override;
 };
 

@@ -22,6 +22,7 @@ class StDWSTextstylePlugin : public StSymbolTablePlugin {
   void readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const override;
   bool applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) override;
   OdDbObjectId copyIn(OdDbDatabase* drawing, OdDbDatabase* standard, const OdString& name) override;
+  std::vector<const char*> headerVariables() const override { return {"$TEXTSTYLE", "$DIMTXSTY"}; }
   void collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const override;
 };
 

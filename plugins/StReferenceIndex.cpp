@@ -25,6 +25,20 @@ const std::vector<StReference>& StReferenceIndex::referencesTo(const OdDbObjectI
   return it == references_.end() ? kNone : it->second;
 }
 
+void StReferenceIndex::addHandleReferences(OdDbDatabase* drawing,
+                                           const OdDbObjectIdArray& records) {
+  for (const auto& [record, holder] : drawing->handleReferences(records))
+    if (!skipped_.count(record)) handleHolders_[record].push_back(holder);
+}
+
+bool StReferenceIndex::isHeldByHandle(const OdDbObjectId& record) const {
+  auto it = handleHolders_.find(record);
+  if (it == handleHolders_.end()) return false;
+  for (const OdDbObjectId& holder : it->second)
+    if (record.database()->refersByHandle(holder, record)) return true;
+  return false;
+}
+
 void StReferenceIndex::moveAll(const OdDbObjectId& from, const OdDbObjectId& to) {
   if (from == to) return;
   auto it = references_.find(from);
@@ -90,7 +104,13 @@ void StReferenceIndex::forEachEntity(OdDbDatabase* db,
     OdDbBlockTableRecordPtr record = block->getRecord();
     for (auto it = record->newIterator(); !it->done(); it->step()) {
       OdDbEntityPtr entity = OdDbEntity::cast(it->entity().get());
-      if (!entity.isNull()) visit(*entity);
+      if (entity.isNull()) continue;
+      visit(*entity);
+      for (const OdDbObjectId& id : entity->subEntityIds()) {
+        if (id.isErased()) continue;
+        OdDbEntityPtr part = OdDbEntity::cast(id.openObject().get());
+        if (!part.isNull()) visit(*part);
+      }
     }
   }
 }

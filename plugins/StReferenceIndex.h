@@ -34,8 +34,10 @@ struct StReference {
 // a bounded number of times instead of once per problem.
 //
 // The index lists what a fix may move: entities of every block (model space, layouts, block
-// definitions), layers, dimension styles. Attributes of inserts and polyline vertices are not
-// listed by the kernel's block iterator and so are not indexed.
+// definitions) with their attributes, vertices and SEQENDs, layers, dimension styles. Apart
+// from these it notes the objects that refer to a record by handle (a linetype's text style,
+// an object of a type the kernel has no class for), which cannot be moved: a record such an
+// object still names must be kept.
 class StReferenceIndex {
  public:
   // Adds `reference` to the records that refer to `record`.
@@ -48,17 +50,23 @@ class StReferenceIndex {
   void moveAll(const OdDbObjectId& from, const OdDbObjectId& to);
   // References to `record` are not listed from now on (records that are never replaced).
   void skipReferencesTo(const OdDbObjectId& record) { skipped_.insert(record); }
+  // Notes the objects of `drawing` that refer to any of `records` by handle, in one walk.
+  void addHandleReferences(OdDbDatabase* drawing, const OdDbObjectIdArray& records);
+  // Whether an object noted by addHandleReferences still refers to `record` by handle.
+  bool isHeldByHandle(const OdDbObjectId& record) const;
   // The number of references added.
   std::size_t size() const { return count_; }
 
   // Points one reference at `to`.
   static void retarget(const StReference& reference, const OdDbObjectId& to);
-  // Calls `visit` with every entity of every block of `db`, each open for read.
+  // Calls `visit` with every entity of every block of `db`, and with the attributes,
+  // vertices and SEQEND that belong to it, each open for read.
   static void forEachEntity(OdDbDatabase* db, const std::function<void(OdDbEntity&)>& visit);
 
  private:
   std::unordered_map<OdDbObjectId, std::vector<StReference>> references_;
   std::unordered_set<OdDbObjectId> skipped_;
+  std::unordered_map<OdDbObjectId, std::vector<OdDbObjectId>> handleHolders_;
   std::size_t count_ = 0;
 };
 

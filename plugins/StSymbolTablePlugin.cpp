@@ -4,6 +4,7 @@
 
 #include "OdDbSymbolTable.h"
 #include "OdError.h"
+#include "OdResBuf.h"
 #include "StAppServices.h"
 #include "StErrorFlags.h"
 #include "StIgnoreMarks.h"
@@ -450,8 +451,34 @@ bool StSymbolTablePlugin::replaceName(const OdDbObjectId& record, StFix& fix) {
   StReferenceIndex& references = index();
   references.moveAll(record, target);
   OdDbSymbolTableRecordPtr old = record.safeOpenObject(OdDb::kForWrite);
-  if (!isReserved(old->getName()) && references.referencesTo(record).empty()) old->erase();
+  const bool named = moveHeaderVariables(old->getName(), name);
+  if (!named && !isReserved(old->getName()) && references.referencesTo(record).empty() &&
+      !references.isHeldByHandle(record))
+    old->erase();
   return true;
+}
+
+bool StSymbolTablePlugin::moveHeaderVariables(const OdString& from, const OdString& to) {
+  bool stillNamed = false;
+  for (const char* variable : headerVariables()) {
+    const OdString key = OdString::fromUtf8(variable);
+    OdResBufPtr value = drawing_->getHeaderVariable(key);
+    if (value.isNull()) continue;
+    OdString current;
+    try {
+      current = value->getString();
+    } catch (const OdError&) {
+      continue;  // not a name: this variable cannot name the record
+    }
+    current.trimRight();
+    if (current.iCompare(from) != 0) continue;
+    try {
+      drawing_->setHeaderVariable(key, OdResBuf::newRb(value->restype(), to).get());
+    } catch (const OdError&) {
+      stillNamed = true;
+    }
+  }
+  return stillNamed;
 }
 
 StReferenceIndex& StSymbolTablePlugin::index() {
@@ -463,6 +490,10 @@ StReferenceIndex& StSymbolTablePlugin::index() {
     for (auto it = records->newIterator(); !it->done(); it->step())
       if (isReserved(it->getRecord()->getName())) built->skipReferencesTo(it->getRecordId());
     collectReferences(drawing_, *built);
+    OdDbObjectIdArray candidates;
+    for (auto it = records->newIterator(); !it->done(); it->step())
+      candidates.push_back(it->getRecordId());
+    built->addHandleReferences(drawing_, candidates);
     index_ = std::move(built);
   }
   return *index_;

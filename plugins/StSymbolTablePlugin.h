@@ -28,8 +28,9 @@ using StPropertyList = std::vector<std::pair<OdString, OdVariant>>;
 //    error tagged kTagNonStandardName whose fixes are every record of the kind in every
 //    standards file, one recommended only when a single standard name matches it ignoring
 //    case and separators; fixing moves every reference to the chosen standard record
-//    (copied in when the drawing lacks it) and erases the old record once nothing refers to
-//    it.
+//    (copied in when the drawing lacks it), header variables included, and erases the old
+//    record once nothing refers to it: not the header, not an entity or sub-entity, not an
+//    object that names it by handle (such a record is kept and the fix still succeeds).
 // Errors carry kStErrorIgnored when the record has an ignore mark and kStErrorFixable when
 // they have fixes (kStErrorAlwaysReported when they have none); a fix that succeeds sets
 // kStErrorFixed.
@@ -89,6 +90,9 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin> {
   // null when it cannot be copied.
   virtual OdDbObjectId copyIn(OdDbDatabase* drawing, OdDbDatabase* standard,
                               const OdString& name) = 0;
+  // The header variables that name a record of the kind ("$CLAYER"); a replacement moves
+  // them and a record one of them names is never erased.
+  virtual std::vector<const char*> headerVariables() const { return {}; }
   // Lists in `index` everything in `drawing` that refers to a record of the kind.
   virtual void collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const = 0;
 
@@ -142,6 +146,9 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin> {
   int preferredStandard() const;
   bool isStandard(OdDbDatabase* db) const;
   bool replaceName(const OdDbObjectId& record, StFix& fix);
+  // Points the header variables naming `from` at the name of `to`; true when one still
+  // names `from` afterwards.
+  bool moveHeaderVariables(const OdString& from, const OdString& to);
   StReferenceIndex& index();
 
   OdString kind_;
