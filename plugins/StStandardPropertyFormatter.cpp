@@ -17,26 +17,6 @@ bool isOneOf(const OdString& name, std::initializer_list<const wchar_t*> names) 
   return false;
 }
 
-// Integers of any width as a plain int (lineweights and colours arrive as 16- or 32-bit).
-bool asInt(const OdVariant& value, std::int64_t& out) {
-  switch (value.varType()) {
-    case OdVariant::kInt8:
-      out = value.getInt8();
-      return true;
-    case OdVariant::kInt16:
-      out = value.getInt16();
-      return true;
-    case OdVariant::kInt32:
-      out = value.getInt32();
-      return true;
-    case OdVariant::kInt64:
-      out = value.getInt64();
-      return true;
-    default:
-      return false;
-  }
-}
-
 }  // namespace
 
 OdString StStandardPropertyFormatter::colorText(int index) {
@@ -51,7 +31,7 @@ OdString StStandardPropertyFormatter::colorText(int index) {
 OdString StStandardPropertyFormatter::format(const OdString& name, const OdVariant& value) {
   if (value.isVoid()) return L"(not set)";
   std::int64_t number = 0;
-  if (isOneOf(name, {L"Color", L"DIMCLRD", L"DIMCLRE", L"DIMCLRT"}) && asInt(value, number)) {
+  if (isOneOf(name, {L"Color", L"DIMCLRD", L"DIMCLRE", L"DIMCLRT"}) && value.getInteger(number)) {
     // A true colour is the only colour stored in 32 bits: 0x00RRGGBB.
     if (value.varType() == OdVariant::kInt32)
       return OdString::format(L"%d,%d,%d", static_cast<int>((number >> 16) & 0xFF),
@@ -59,16 +39,16 @@ OdString StStandardPropertyFormatter::format(const OdString& name, const OdVaria
                               static_cast<int>(number & 0xFF));
     return colorText(static_cast<int>(number));
   }
-  if (isOneOf(name, {L"Lineweight", L"DIMLWD", L"DIMLWE"}) && asInt(value, number))
+  if (isOneOf(name, {L"Lineweight", L"DIMLWD", L"DIMLWE"}) && value.getInteger(number))
     return lineWeightToString(static_cast<OdDb::LineWeight>(static_cast<std::int32_t>(number)));
-  if (name == L"Transparency" && asInt(value, number)) {
+  if (name == L"Transparency" && value.getInteger(number)) {
     if ((number & 0xFFFFFFFF) == 0) return L"ByLayer";
     const int alpha = static_cast<int>(number & 0xFF);
     return OdString::format(L"%d%%", static_cast<int>(std::lround((255 - alpha) * 100.0 / 255)));
   }
   if (name == L"Oblique angle" && value.varType() == OdVariant::kDouble)
     return OdString::format(L"%.4g\u00B0", value.getDouble() * 180.0 / M_PI);
-  if (name == L"Text flags" && asInt(value, number)) {
+  if (name == L"Text flags" && value.getInteger(number)) {
     OdString text;
     if (number & 2) text += L"Backwards";
     if (number & 4) text += text.isEmpty() ? L"Upside down" : L", upside down";

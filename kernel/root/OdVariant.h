@@ -79,6 +79,27 @@ class OdVariant {
   std::uint16_t getUInt16() const { return static_cast<std::uint16_t>(getInt16()); }
   std::uint32_t getUInt32() const { return static_cast<std::uint32_t>(getInt32()); }
   std::uint64_t getUInt64() const { return static_cast<std::uint64_t>(getInt64()); }
+  // The value of an integer of any width (kInt8 to kInt64) in `out`; false, `out` untouched,
+  // for a value of another type. Integers come in the width their source stored them in, so
+  // a reader that only wants the number asks this rather than for one width.
+  bool getInteger(std::int64_t& out) const noexcept {
+    switch (varType()) {
+      case kInt8:
+        out = std::get<std::int8_t>(value_);
+        return true;
+      case kInt16:
+        out = std::get<std::int16_t>(value_);
+        return true;
+      case kInt32:
+        out = std::get<std::int32_t>(value_);
+        return true;
+      case kInt64:
+        out = std::get<std::int64_t>(value_);
+        return true;
+      default:
+        return false;
+    }
+  }
   double getDouble() const { return get<double>(kDouble); }
   const OdAnsiString& getAnsiString() const { return get<OdAnsiString>(kAnsiString); }
   const OdRxObjectPtr& getRxObjectPtr() const { return get<OdRxObjectPtr>(kRxObjectPtr); }

@@ -3,25 +3,11 @@
 namespace st {
 
 bool StConfigValue::toInteger(const OdVariant& value, std::int64_t& out) {
-  switch (value.varType()) {
-    case OdVariant::kBool:
-      out = value.getBool() ? 1 : 0;
-      return true;
-    case OdVariant::kInt8:
-      out = value.getInt8();
-      return true;
-    case OdVariant::kInt16:
-      out = value.getInt16();
-      return true;
-    case OdVariant::kInt32:
-      out = value.getInt32();
-      return true;
-    case OdVariant::kInt64:
-      out = value.getInt64();
-      return true;
-    default:
-      return false;
+  if (value.varType() == OdVariant::kBool) {
+    out = value.getBool() ? 1 : 0;
+    return true;
   }
+  return value.getInteger(out);
 }
 
 bool StConfigValue::toText(const OdVariant& value, OdString& out) {
