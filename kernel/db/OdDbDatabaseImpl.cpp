@@ -292,7 +292,7 @@ void OdDbDatabaseImpl::assignLoadedHandles(std::uint64_t handSeed) {
 }
 
 void OdDbDatabaseImpl::indexHandle(const OdDbStub* stub) {
-  // New handles come from the seed and exceed every other, so the stub, which is the last
+  // New handles come from $HANDSEED and exceed every other, so the stub, which is the last
   // one made, usually keeps the order; when not, the look-up switches to a position list.
   const std::uint64_t h = stub->handle.value();
   const auto position = static_cast<std::uint32_t>(stubs_.size() - 1);

@@ -147,7 +147,7 @@ class OdDbDatabaseImpl {
   std::unique_ptr<DxfDocument> doc_;
   std::deque<OdDbStub> stubs_;
   // Handle look-up without a table of its own: files list objects by increasing handle and
-  // new handles come from the seed, above all others, so stubs_ is usually in handle order
+  // new handles come from $HANDSEED, above all others, so stubs_ is usually in handle order
   // and is searched directly. Otherwise byHandle_ holds the positions in stubs_ in handle
   // order (4 bytes an object rather than a hash node's 40).
   bool stubsInHandleOrder_ = true;

@@ -188,7 +188,7 @@ inline std::vector<Reported> check(st::StDWSPlugin& plugin, OdDbDatabase* drawin
 }
 
 // The objects of a saved ASCII drawing, by handle: their type, name and tags. The header is
-// left out (the handle seed moves with every new object).
+// left out ($HANDSEED moves with every new object).
 struct SavedObject {
   std::string type;
   std::string name;

@@ -73,10 +73,10 @@ class PurgeSafetyTest : public ::testing::Test {
     insertBefore(text, "SECTION\n  2\nOBJECTS", "ENDSEC",
                  "0\nMLEADERSTYLE\n5\nF008\n330\n" + root +
                      "\n100\nAcDbMLeaderStyle\n179\n2\n342\n" + label + "\n");
-    // The seed's value is the second line after its name.
-    const size_t seed = text.find("$HANDSEED\n");
-    ASSERT_NE(seed, std::string::npos);
-    const size_t value = text.find('\n', text.find('\n', seed) + 1) + 1;
+    // The value of $HANDSEED is the second line after its name.
+    const size_t name = text.find("$HANDSEED\n");
+    ASSERT_NE(name, std::string::npos);
+    const size_t value = text.find('\n', text.find('\n', name) + 1) + 1;
     text.replace(value, text.find('\n', value) - value, "F100");
     planFile_ = dir_.path() / "plan.dxf";
     std::ofstream(planFile_, std::ios::binary) << text;
