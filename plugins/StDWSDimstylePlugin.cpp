@@ -7,6 +7,7 @@
 #include "OdDbSymbolTable.h"
 #include "OdError.h"
 #include "OdResBuf.h"
+#include "StIcon.h"
 
 namespace st {
 
@@ -101,6 +102,16 @@ void StDWSDimstylePlugin::collectReferences(OdDbDatabase* drawing, StReferenceIn
       style = tolerance->dimensionStyle();
     index.add(style, {entity.objectId(), StReferenceKind::kEntityDimStyle});
   });
+}
+
+StIconHandle StDWSDimstylePlugin::icon() const {
+  static const char* const kRows[StIcon::kSize] = {
+      "................", "#..............#", "#..............#", "#.#..........#.#",
+      "###..........###", "################", "###..........###", "#.#..........#.#",
+      "#..............#", "#..............#", "................", ".....######.....",
+      ".....#.##.#.....", "......#..#......", "......####......", "................",
+  };
+  return stCreateIcon(kRows, 0xFFBF5F1F);
 }
 
 }  // namespace st

@@ -15,6 +15,8 @@ class StDWSDimstylePlugin : public StSymbolTablePlugin {
  public:
   ODRX_DECLARE_MEMBERS(StDWSDimstylePlugin);
   StDWSDimstylePlugin();
+  // A 16 × 16 picture of the kind of object checked (see StIcon.h: the caller frees it).
+  StIconHandle icon() const override;
 
  protected:
   OdDbObjectId tableOf(OdDbDatabase* db) const override;

@@ -3,6 +3,7 @@
 #include "OdDbDictionary.h"
 #include "OdDbLayerTableRecord.h"
 #include "OdDbLinetypeTable.h"
+#include "StIcon.h"
 #include "StLayerProperties.h"
 #include "StRecordCloning.h"
 #include "StRecordLookup.h"
@@ -110,6 +111,16 @@ void StDWSLayerPlugin::collectReferences(OdDbDatabase* drawing, StReferenceIndex
   StReferenceIndex::forEachEntity(drawing, [&](OdDbEntity& entity) {
     index.add(entity.layerId(), {entity.objectId(), StReferenceKind::kEntityLayer});
   });
+}
+
+StIconHandle StDWSLayerPlugin::icon() const {
+  static const char* const kRows[StIcon::kSize] = {
+      "................", "................", "......####......", "....##....##....",
+      "..##........##..", "##............##", "..##........##..", "..#.##....##.#..",
+      "##....####....##", "..##........##..", "....##....##....", "......####......",
+      "................", "................", "................", "................",
+  };
+  return stCreateIcon(kRows, 0xFF2F6FBF);
 }
 
 }  // namespace st

@@ -12,6 +12,8 @@ class StDWSLayerPlugin : public StSymbolTablePlugin {
  public:
   ODRX_DECLARE_MEMBERS(StDWSLayerPlugin);
   StDWSLayerPlugin();
+  // A 16 × 16 picture of the kind of object checked (see StIcon.h: the caller frees it).
+  StIconHandle icon() const override;
 
  protected:
   OdDbObjectId tableOf(OdDbDatabase* db) const override;

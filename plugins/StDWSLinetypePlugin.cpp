@@ -4,6 +4,7 @@
 #include "OdDbLayerTableRecord.h"
 #include "OdDbLinetypeTableRecord.h"
 #include "OdDbSymbolTable.h"
+#include "StIcon.h"
 #include "StRecordCloning.h"
 
 namespace st {
@@ -88,6 +89,16 @@ void StDWSLinetypePlugin::collectReferences(OdDbDatabase* drawing, StReferenceIn
         index.add(value->getObjectId(drawing),
                   {it->getRecordId(), StReferenceKind::kDimStyleLinetype, code});
   }
+}
+
+StIconHandle StDWSLinetypePlugin::icon() const {
+  static const char* const kRows[StIcon::kSize] = {
+      "................", "................", "................", "####..####..####",
+      "####..####..####", "................", "................", "######.#.######.",
+      "######.#.######.", "................", "................", "##.##.##.##.##.#",
+      "##.##.##.##.##.#", "................", "................", "................",
+  };
+  return stCreateIcon(kRows, 0xFF3A3A3A);
 }
 
 }  // namespace st

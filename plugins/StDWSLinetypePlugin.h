@@ -14,6 +14,8 @@ class StDWSLinetypePlugin : public StSymbolTablePlugin {
  public:
   ODRX_DECLARE_MEMBERS(StDWSLinetypePlugin);
   StDWSLinetypePlugin();
+  // A 16 × 16 picture of the kind of object checked (see StIcon.h: the caller frees it).
+  StIconHandle icon() const override;
 
  protected:
   OdDbObjectId tableOf(OdDbDatabase* db) const override;

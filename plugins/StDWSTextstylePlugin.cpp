@@ -5,6 +5,7 @@
 #include "OdDbSymbolTable.h"
 #include "OdDbText.h"
 #include "OdDbTextStyleTableRecord.h"
+#include "StIcon.h"
 #include "StRecordCloning.h"
 
 namespace st {
@@ -73,6 +74,16 @@ void StDWSTextstylePlugin::collectReferences(OdDbDatabase* drawing, StReferenceI
     OdDbDimStyleTableRecordPtr style = it->getRecord();
     index.add(style->dimtxsty(), {it->getRecordId(), StReferenceKind::kDimStyleTextStyle});
   }
+}
+
+StIconHandle StDWSTextstylePlugin::icon() const {
+  static const char* const kRows[StIcon::kSize] = {
+      "................", "......####......", ".....##..##.....", "....##....##....",
+      "....##....##....", "...##......##...", "...##......##...", "..############..",
+      "..##........##..", ".##..........##.", ".##..........##.", "####........####",
+      "................", "................", "................", "................",
+  };
+  return stCreateIcon(kRows, 0xFF8A3FAF);
 }
 
 }  // namespace st

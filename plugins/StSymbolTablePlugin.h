@@ -38,8 +38,6 @@ using StPropertyList = std::vector<std::pair<OdString, OdVariant>>;
 // Errors are found one at a time, as next() moves on, so that what earlier fixes changed is
 // seen. start() places the walk before the first error; next() moves to it.
 //
-// icon() stays the base's null: the plug-ins have no image yet and are listed without one.
-//
 // A derived plug-in names its table, reads and applies properties, copies records in and
 // lists the references to its records; everything else happens here.
 class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin> {

@@ -2,7 +2,12 @@
 // its four classes made by name with their texts and watched classes, and gone again when it
 // unloads.
 
+#include <algorithm>
+#include <set>
+#include <vector>
+
 #include "PluginsTestSupport.h"
+#include "StIcon.h"
 
 namespace {
 
@@ -19,6 +24,7 @@ TEST(StandardPluginsLibrary, MakesItsFourPluginsByClassNameUntilUnloaded) {
       {L"StDWSLayerPlugin", "Layers", "AcDbLayerTableRecord"},
       {L"StDWSLinetypePlugin", "Linetypes", "AcDbLinetypeTableRecord"},
       {L"StDWSTextstylePlugin", "Text styles", "AcDbTextStyleTableRecord"}};
+  std::set<std::vector<std::uint32_t>> icons;
   for (const Expected& e : expected) {
     st::StDWSPluginPtr plugin = odrxCreateObject(e.className);
     ASSERT_FALSE(plugin.isNull()) << OdString(e.className).toUtf8();
@@ -29,7 +35,19 @@ TEST(StandardPluginsLibrary, MakesItsFourPluginsByClassNameUntilUnloaded) {
     for (const OdString& text :
          {plugin->purpose(), plugin->version(), plugin->publisher(), plugin->furtherInfo()})
       EXPECT_FALSE(text.isEmpty()) << e.name;
-    EXPECT_EQ(plugin->icon(), nullptr) << "no image yet: listed without one";
+    // A fresh icon each time, the caller's to free: partly drawn, partly transparent, and
+    // each plug-in's its own.
+    st::StIconHandle icon = plugin->icon();
+    ASSERT_NE(icon, nullptr) << e.name;
+    const st::StIcon* image = st::stIconImage(icon);
+    const auto drawn = std::count_if(image->pixels.begin(), image->pixels.end(),
+                                     [](std::uint32_t p) { return (p >> 24) == 0xFF; });
+    EXPECT_GT(drawn, 16) << e.name;
+    EXPECT_LT(drawn, st::StIcon::kSize * st::StIcon::kSize - 16) << e.name;
+    EXPECT_TRUE(
+        icons.insert(std::vector<std::uint32_t>(image->pixels.begin(), image->pixels.end())).second)
+        << e.name << " has the icon of another plug-in";
+    st::stFreeIcon(icon);
     EXPECT_FALSE(plugin->propertyFormatter().isNull());
     EXPECT_TRUE(plugin->done()) << "nothing to report before a check starts";
     EXPECT_TRUE(plugin->getError().isNull());
