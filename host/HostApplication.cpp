@@ -65,6 +65,11 @@ HostApplication* HostApplication::current() noexcept {
   return g_current;
 }
 
+HostApplication& HostApplication::running() {
+  if (!g_current) throw OdError(eNotInitializedYet, "no host application is running");
+  return *g_current;
+}
+
 HostConfigKeyPtr HostApplication::configRoot() {
   return HostConfigKey::root(config_);
 }

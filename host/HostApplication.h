@@ -49,6 +49,9 @@ class HostApplication : public HostServices {
 
   // The running host application, or null.
   static HostApplication* current() noexcept;
+  // The running host application; throws OdError(eNotInitializedYet) when none runs, for
+  // code such as a command that only runs inside a host.
+  static HostApplication& running();
 
   HostFrontend& front() noexcept { return front_; }
   HostConfigTree& configTree() noexcept { return *config_; }

@@ -11,9 +11,7 @@
 namespace {
 
 HostApplication& app() {
-  HostApplication* running = HostApplication::current();
-  if (!running) throw OdError(eNotInitializedYet, "no host application is running");
-  return *running;
+  return HostApplication::running();
 }
 
 class OpenCommand : public UICmdProcess {
@@ -88,18 +86,13 @@ class HelpCommand : public UICmdProcess {
   }
 };
 
-template <class Command>
-UICmdProcess* make() {
-  return new Command();
-}
-
 }  // namespace
 
 void registerHostBuiltins(HostCommandRegistry& registry) {
   const OdString group(L"HOSTCORE");
-  registry.add(L"OPEN", group, kHostCmdModal, &make<OpenCommand>);
-  registry.add(L"CLOSE", group, kHostCmdModal, &make<CloseCommand>);
-  registry.add(L"SETVAR", group, kHostCmdTransparent, &make<SetVarCommand>);
-  registry.add(L"HELP", group, kHostCmdTransparent, &make<HelpCommand>);
+  registry.add(L"OPEN", group, kHostCmdModal, &createCommand<OpenCommand>);
+  registry.add(L"CLOSE", group, kHostCmdModal, &createCommand<CloseCommand>);
+  registry.add(L"SETVAR", group, kHostCmdTransparent, &createCommand<SetVarCommand>);
+  registry.add(L"HELP", group, kHostCmdTransparent, &createCommand<HelpCommand>);
   registerHostFileCommands(registry);
 }

@@ -21,9 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 
 HostApplication& app() {
-  HostApplication* running = HostApplication::current();
-  if (!running) throw OdError(eNotInitializedYet, "no host application is running");
-  return *running;
+  return HostApplication::running();
 }
 
 // The current document, or null after saying that none is open.
@@ -192,18 +190,13 @@ class PlotCommand : public UICmdProcess {
   }
 };
 
-template <class Command>
-UICmdProcess* make() {
-  return new Command();
-}
-
 }  // namespace
 
 void registerHostFileCommands(HostCommandRegistry& registry) {
   const OdString group(L"HOSTCORE");
-  registry.add(L"SAVE", group, kHostCmdModal, &make<SaveCommand>);
-  registry.add(L"SAVEAS", group, kHostCmdModal, &make<SaveAsCommand>);
-  registry.add(L"TRANSMIT", group, kHostCmdModal, &make<TransmitCommand>);
-  registry.add(L"IMPORT", group, kHostCmdModal, &make<ImportCommand>);
-  registry.add(L"PLOT", group, kHostCmdModal, &make<PlotCommand>);
+  registry.add(L"SAVE", group, kHostCmdModal, &createCommand<SaveCommand>);
+  registry.add(L"SAVEAS", group, kHostCmdModal, &createCommand<SaveAsCommand>);
+  registry.add(L"TRANSMIT", group, kHostCmdModal, &createCommand<TransmitCommand>);
+  registry.add(L"IMPORT", group, kHostCmdModal, &createCommand<ImportCommand>);
+  registry.add(L"PLOT", group, kHostCmdModal, &createCommand<PlotCommand>);
 }

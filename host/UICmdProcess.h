@@ -16,3 +16,9 @@ class UICmdProcess {
 
 // Makes a command object, owned by the caller (the host); null when it cannot.
 using UICmdCreator = UICmdProcess* (*)();
+
+// The creator of a command class that has a default constructor.
+template <class Command>
+UICmdProcess* createCommand() {
+  return new Command();
+}

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "CheckReport.h"
 #include "HtmlReport.h"
@@ -71,9 +72,16 @@ CheckReport sampleRun() {
   return run;
 }
 
+// Runs a Python snippet with the given arguments (sys.argv[1:]).
+testsupport::ProcessResult runPython(const std::string& script,
+                                     const std::vector<std::string>& args = {}) {
+  std::string line = std::string(STAUDIT_PYTHON) + " -c " + shellQuote(script);
+  for (const std::string& a : args) line += " " + shellQuote(a);
+  return runCommand(line);
+}
+
 bool python(const std::string& module) {
-  return runCommand(std::string(STAUDIT_PYTHON) + " -c " + shellQuote("import " + module))
-             .exitCode == 0;
+  return runPython("import " + module).exitCode == 0;
 }
 
 std::filesystem::path writeFile(const testsupport::TempDir& dir, const std::string& name,
@@ -131,8 +139,7 @@ TEST(JsonReportFormat, MatchesItsPublishedSchema) {
       "jsonschema.Draft202012Validator.check_schema(s)\n"
       "jsonschema.Draft202012Validator(s).validate(d)\n"
       "print(len(d['drawings']), d['drawings'][0]['remaining'])\n";
-  auto result = runCommand(std::string(STAUDIT_PYTHON) + " -c " + shellQuote(script) + " " +
-                           shellQuote(schema) + " " + shellQuote(report.string()));
+  auto result = runPython(script, {schema, report.string()});
   EXPECT_EQ(result.exitCode, 0) << result.output;
   EXPECT_EQ(result.output, "3 1\n");
 }
@@ -146,8 +153,7 @@ TEST(JunitReportFormat, ParsesWithCountsThatAddUp) {
       "print(r.tag,r.get('tests'),r.get('failures'),r.get('errors'),r.get('skipped'))\n"
       "for s in r: print(s.get('name'),len(s),s.get('failures'))\n"
       "print(r[0][2].get('name'))\n";
-  auto result = runCommand(std::string(STAUDIT_PYTHON) + " -c " + shellQuote(script) + " " +
-                           shellQuote(file.string()));
+  auto result = runPython(script, {file.string()});
   ASSERT_EQ(result.exitCode, 0) << result.output;
   // plan: three problems and a linetype plug-in with none; site: two clean plug-ins; broken:
   // one error.
@@ -170,8 +176,7 @@ TEST(SarifReportFormat, ParsesAsOneRunWithRulesAndResults) {
       "  print(r['ruleId'],r['kind'],r['level'],'suppressions' in r,"
       "r['locations'][0]['logicalLocations'][0]['name'])\n"
       "print(run['invocations'][0]['executionSuccessful'])\n";
-  auto result = runCommand(std::string(STAUDIT_PYTHON) + " -c " + shellQuote(script) + " " +
-                           shellQuote(file.string()));
+  auto result = runPython(script, {file.string()});
   ASSERT_EQ(result.exitCode, 0) << result.output;
   EXPECT_EQ(result.output,
             "2.1.0 ['StDWSLayerPlugin', 'StDWSLinetypePlugin']\n"
