@@ -28,11 +28,12 @@ int OdDbBlockTableRecord::blockFlags() const {
   if (dxf().type() == "BLOCK") return flags();
   if (!stub()) return 0;
   // The flags live on the BLOCK entity that opens the block's definition.
-  OdDbDatabaseImpl& impl = stub()->db->impl();
+  OdDbDatabaseImpl& impl = stub()->database()->impl();
   std::size_t blocks = impl.sectionIndex("BLOCKS");
   if (blocks == SIZE_MAX) return 0;
-  const auto& slots = impl.slots(blocks);
-  for (OdDbStub* s : slots) {
+  const OdDbSlotList& slots = impl.slots(blocks);
+  for (std::size_t i = 0; i < slots.size(); ++i) {
+    OdDbStub* s = slots[i];
     if (!s) continue;
     DxfObject& obj = impl.dxf(s);
     if (obj.type() != "BLOCK") continue;
@@ -46,7 +47,8 @@ OdDbObjectIteratorPtr OdDbBlockTableRecord::newIterator(bool atBeginning, bool s
   OdDbObjectIteratorPtr it = OdDbObjectIterator::createObject();
   OdDbObjectIdArray ids;
   if (stub())
-    for (OdDbStub* s : stub()->db->impl().blockEntities(stub(), true)) ids.append(OdDbObjectId(s));
+    for (OdDbStub* s : stub()->database()->impl().blockEntities(stub(), true))
+      ids.append(OdDbObjectId(s));
   it->setIds(std::move(ids));
   it->start(atBeginning, skipErased);
   return it;
@@ -57,12 +59,12 @@ OdDbObjectId OdDbBlockTableRecord::appendOdDbEntity(OdDbEntity* entity) {
   if (!entity->isNewObject()) throw OdError(eInvalidInput, "the entity is in a drawing already");
   if (!stub()) throw OdError(eNotImplementedYet, "the block is in no drawing yet");
   assertWriteEnabled();
-  OdDbDatabaseImpl& impl = stub()->db->impl();
+  OdDbDatabaseImpl& impl = stub()->database()->impl();
   auto [section, index] = impl.entityInsertPosition(stub());
   bool paper = impl.isPaperSpaceRecord(stub());
   OdDbObjectId owner = objectId();
   if (stub()->flags & OdDbStub::kDetached) owner = OdDbObjectId();
-  OdDbObjectId id = entity->makeResident(stub()->db, section, index, owner);
+  OdDbObjectId id = entity->makeResident(stub()->database(), section, index, owner);
   if (paper) OdDbTagRange(entity->dxf(), "AcDbEntity").setInteger(67, 1, {330, 100});
   return id;
 }

@@ -165,8 +165,9 @@ std::size_t OdDbDatabase::countObjects() const {
   std::size_t s = impl_->sectionIndex("OBJECTS");
   if (s == SIZE_MAX) return 0;
   std::size_t n = 0;
-  for (OdDbStub* stub : impl_->slots(s))
-    if (stub && !stub->isErased()) ++n;
+  const OdDbSlotList& slots = impl_->slots(s);
+  for (std::size_t i = 0; i < slots.size(); ++i)
+    if (OdDbStub* stub = slots[i]; stub && !stub->isErased()) ++n;
   return n;
 }
 

@@ -72,7 +72,7 @@ OdDbDatabaseImpl::TableKind OdDbDatabaseImpl::kindOfRecordType(std::string_view 
   return kTableKinds;
 }
 
-OdDbDatabaseImpl::OdDbDatabaseImpl(OdDbDatabase* self) : self_(self) {}
+OdDbDatabaseImpl::OdDbDatabaseImpl(OdDbDatabase* self) : self_(self), stubs_(self) {}
 
 OdDbDatabaseImpl::~OdDbDatabaseImpl() {
   for (OdDbObject* obj : objects_) OdDbObject::destroy(obj);
@@ -81,7 +81,6 @@ OdDbDatabaseImpl::~OdDbDatabaseImpl() {
 OdDbStub* OdDbDatabaseImpl::newStub(std::uint64_t handle, std::uint32_t section,
                                     std::uint32_t index) {
   OdDbStub& stub = stubs_.emplace_back();
-  stub.db = self_;
   stub.handle = handle;
   stub.section = section;
   stub.index = index;
@@ -93,7 +92,7 @@ OdDbStub* OdDbDatabaseImpl::detachedStub(std::vector<DxfTag> tags, std::uint8_t 
   OdDbStub* stub = newStub(nextHandle_++, OdDbStub::kNoSection,
                            static_cast<std::uint32_t>(detached_.size() - 1));
   stub->flags = flags | OdDbStub::kDetached;
-  indexHandle(stub);
+  byHandle_.add(stubs_.size() - 1);
   return stub;
 }
 
@@ -103,7 +102,7 @@ void OdDbDatabaseImpl::load(std::unique_ptr<DxfDocument> doc) {
     throw OdError(eBadDxfFile, doc->fileName() + ": " + std::to_string(doc->sectionCount()) +
                                    " sections are more than a drawing can have");
   doc_ = std::move(doc);
-  slots_.assign(doc_->sectionCount(), {});
+  slots_.assign(doc_->sectionCount(), OdDbSlotList());
   tablesSection_ = sectionIndex("TABLES");
   blocksSection_ = sectionIndex("BLOCKS");
   entitiesSection_ = sectionIndex("ENTITIES");
@@ -112,14 +111,18 @@ void OdDbDatabaseImpl::load(std::unique_ptr<DxfDocument> doc) {
   for (std::size_t s : {tablesSection_, blocksSection_, entitiesSection_, objectsSection}) {
     if (s == kNone) continue;
     const auto& objects = doc_->section(s).objects();
-    auto& slots = slots_[s];
-    slots.assign(objects.size(), nullptr);
+    const auto first = static_cast<std::uint32_t>(stubs_.size());
+    std::vector<std::uint32_t> stubless;
     for (std::size_t i = 0; i < objects.size(); ++i) {
       const DxfObject& obj = objects[i];
-      if (obj.type() == "ENDTAB") continue;
-      slots[i] =
-          newStub(obj.handle(), static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(i));
+      if (obj.type() == "ENDTAB") {
+        stubless.push_back(static_cast<std::uint32_t>(i));
+        continue;
+      }
+      newStub(obj.handle(), static_cast<std::uint32_t>(s), static_cast<std::uint32_t>(i));
     }
+    slots_[s] = OdDbSlotList(stubs_, first, static_cast<std::uint32_t>(objects.size()),
+                             std::move(stubless));
   }
   OdDbHandle handSeed;
   OdDbHandle::parse(doc_->headerText("$HANDSEED").toUtf8(), handSeed);
@@ -183,9 +186,11 @@ std::size_t OdDbDatabaseImpl::ensureSection(std::string_view name) {
     if (r < rank) at = i + 1;
   }
   doc_->insertSection(at, name);
-  slots_.insert(slots_.begin() + static_cast<std::ptrdiff_t>(at), std::vector<OdDbStub*>());
-  for (OdDbStub& stub : stubs_)
+  slots_.insert(slots_.begin() + static_cast<std::ptrdiff_t>(at), OdDbSlotList());
+  for (std::size_t i = 0; i < stubs_.size(); ++i) {
+    OdDbStub& stub = stubs_[i];
     if (stub.section != OdDbStub::kNoSection && stub.section >= at) ++stub.section;
+  }
   tablesSection_ = sectionIndex("TABLES");
   blocksSection_ = sectionIndex("BLOCKS");
   entitiesSection_ = sectionIndex("ENTITIES");
@@ -206,127 +211,20 @@ OdDbObject* OdDbDatabaseImpl::materialize(OdDbStub* stub) {
   return obj;
 }
 
-void OdDbDatabaseImpl::sortByHandle(std::vector<std::uint32_t>& positions) const {
-  // Files list objects in a few ascending runs of handles (a section each, typically), so
-  // merging the runs found costs a few sequential passes where a general sort would jump
-  // around the stubs. Ties (duplicate handles) keep file order.
-  auto less = [&](std::uint32_t a, std::uint32_t b) {
-    const std::uint64_t ha = stubs_[a].handle.value();
-    const std::uint64_t hb = stubs_[b].handle.value();
-    return ha != hb ? ha < hb : a < b;
-  };
-  std::vector<std::size_t> bounds{0};
-  for (std::size_t k = 1; k < positions.size(); ++k)
-    if (less(positions[k], positions[k - 1])) bounds.push_back(k);
-  bounds.push_back(positions.size());
-  if (bounds.size() <= 2) return;
-  std::vector<std::uint32_t> merged(positions.size());
-  while (bounds.size() > 2) {
-    std::vector<std::size_t> next{0};
-    for (std::size_t r = 0; r + 1 < bounds.size(); r += 2) {
-      const auto lo = positions.begin() + static_cast<std::ptrdiff_t>(bounds[r]);
-      const auto mid = positions.begin() + static_cast<std::ptrdiff_t>(bounds[r + 1]);
-      const std::size_t end = r + 2 < bounds.size() ? bounds[r + 2] : bounds[r + 1];
-      const auto hi = positions.begin() + static_cast<std::ptrdiff_t>(end);
-      std::merge(lo, mid, mid, hi, merged.begin() + static_cast<std::ptrdiff_t>(bounds[r]), less);
-      next.push_back(end);
-    }
-    positions.swap(merged);
-    bounds.swap(next);
-  }
-}
-
 void OdDbDatabaseImpl::assignLoadedHandles(std::uint64_t handSeed) {
-  const auto count = static_cast<std::uint32_t>(stubs_.size());
   std::uint64_t maxHandle = 0;
-  bool ascending = true;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    std::uint64_t h = stubs_[i].handle.value();
-    if (h == 0) continue;
-    ascending = ascending && h > maxHandle;
-    maxHandle = std::max(maxHandle, h);
-  }
-  // Positions of the stubs with a file handle in handle order, when that is not file order;
-  // of two stubs with the same handle the one read first keeps it.
-  std::vector<std::uint32_t>& order = byHandle_;
-  order.clear();
-  if (!ascending) {
-    order.reserve(count);
-    for (std::uint32_t i = 0; i < count; ++i)
-      if (stubs_[i].handle.value() != 0) order.push_back(i);
-    sortByHandle(order);
-    std::uint64_t previous = 0;
-    std::size_t kept = 0;
-    for (std::uint32_t i : order) {
-      const std::uint64_t h = stubs_[i].handle.value();
-      if (h == previous)
-        stubs_[i].handle = 0;
-      else
-        order[kept++] = i;
-      previous = h;
-    }
-    order.resize(kept);
-  }
+  for (std::size_t i = 0; i < stubs_.size(); ++i)
+    maxHandle = std::max(maxHandle, stubs_[i].handle.value());
   hasHandles_ = maxHandle != 0;
-  nextHandle_ = std::max<std::uint64_t>({maxHandle + 1, handSeed, 1});
-
-  // Objects without a usable handle get new ones in file order, above every file handle.
-  bool sorted = true;
-  std::uint64_t last = 0;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    OdDbStub& stub = stubs_[i];
-    if (stub.handle.value() == 0) stub.handle = nextHandle_++;
-    sorted = sorted && stub.handle.value() > last;
-    last = stub.handle.value();
-  }
-  stubsInHandleOrder_ = sorted;
-  if (sorted) return;
-  // File handles in handle order, then the new ones, which are larger, in file order.
-  byHandle_.reserve(count);
-  if (ascending) {
-    for (std::uint32_t i = 0; i < count; ++i)
-      if (stubs_[i].handle.value() <= maxHandle) byHandle_.push_back(i);
-  }
-  for (std::uint32_t i = 0; i < count; ++i)
-    if (stubs_[i].handle.value() > maxHandle) byHandle_.push_back(i);
-}
-
-void OdDbDatabaseImpl::indexHandle(const OdDbStub* stub) {
-  // New handles come from $HANDSEED and exceed every other, so the stub, which is the last
-  // one made, usually keeps the order; when not, the look-up switches to a position list.
-  const std::uint64_t h = stub->handle.value();
-  const auto position = static_cast<std::uint32_t>(stubs_.size() - 1);
-  if (stubsInHandleOrder_) {
-    if (position == 0 || stubs_[position - 1].handle.value() < h) return;
-    stubsInHandleOrder_ = false;
-    byHandle_.resize(position);
-    for (std::uint32_t i = 0; i < position; ++i) byHandle_[i] = i;
-  }
-  auto at = std::lower_bound(
-      byHandle_.begin(), byHandle_.end(), h,
-      [&](std::uint32_t i, std::uint64_t v) { return stubs_[i].handle.value() < v; });
-  byHandle_.insert(at, position);
+  nextHandle_ = byHandle_.build(std::max<std::uint64_t>({maxHandle + 1, handSeed, 1}));
 }
 
 OdDbStub* OdDbDatabaseImpl::stubByHandle(std::uint64_t handle) const {
-  if (handle == 0) return nullptr;
-  if (stubsInHandleOrder_) {
-    auto it =
-        std::lower_bound(stubs_.begin(), stubs_.end(), handle,
-                         [](const OdDbStub& s, std::uint64_t v) { return s.handle.value() < v; });
-    if (it == stubs_.end() || it->handle.value() != handle) return nullptr;
-    return const_cast<OdDbStub*>(&*it);
-  }
-  auto it = std::lower_bound(
-      byHandle_.begin(), byHandle_.end(), handle,
-      [&](std::uint32_t i, std::uint64_t v) { return stubs_[i].handle.value() < v; });
-  if (it == byHandle_.end() || stubs_[*it].handle.value() != handle) return nullptr;
-  return const_cast<OdDbStub*>(&stubs_[*it]);
+  return byHandle_.find(handle);
 }
 
 OdDbStub* OdDbDatabaseImpl::slot(std::size_t section, std::size_t index) const {
-  if (section >= slots_.size() || index >= slots_[section].size()) return nullptr;
-  return slots_[section][index];
+  return section < slots_.size() ? slots_[section].at(index) : nullptr;
 }
 
 OdDbDatabaseImpl::TableKind OdDbDatabaseImpl::tableKindOf(const OdDbStub* table) const {
@@ -340,8 +238,10 @@ std::vector<OdDbStub*> OdDbDatabaseImpl::tableRecords(const OdDbStub* table) con
   if (!table) return records;
   if (r12Blocks_ && table == tables_[kBlockRecord]) {
     if (blocksSection_ == kNone) return records;
-    for (OdDbStub* stub : slots_[blocksSection_])
-      if (stub && (stub->flags & OdDbStub::kBlockView)) records.push_back(stub);
+    const OdDbSlotList& slots = slots_[blocksSection_];
+    for (std::size_t i = 0; i < slots.size(); ++i)
+      if (OdDbStub* stub = slots[i]; stub && (stub->flags & OdDbStub::kBlockView))
+        records.push_back(stub);
     return records;
   }
   if (table->section == OdDbStub::kNoSection) return records;
@@ -506,13 +406,10 @@ std::uint64_t OdDbDatabaseImpl::newHandle() {
 OdDbStub* OdDbDatabaseImpl::insertObject(std::size_t section, std::size_t index,
                                          std::vector<DxfTag> tags) {
   doc_->section(section).insertObject(index, std::move(tags));
-  auto& slots = slots_.at(section);
   OdDbStub* stub =
       newStub(newHandle(), static_cast<std::uint32_t>(section), static_cast<std::uint32_t>(index));
-  indexHandle(stub);
-  slots.insert(slots.begin() + static_cast<std::ptrdiff_t>(index), stub);
-  for (std::size_t i = index + 1; i < slots.size(); ++i)
-    if (slots[i]) slots[i]->index = static_cast<std::uint32_t>(i);
+  byHandle_.add(stubs_.size() - 1);
+  slots_.at(section).insert(index, stub);
   if (section == tablesSection_) invalidateNames();
   return stub;
 }
@@ -550,7 +447,6 @@ std::vector<DxfTag> OdDbDatabaseImpl::importTags(const DxfObject& source) {
 void OdDbDatabaseImpl::prepareSave() {
   for (std::size_t s = 0; s < slots_.size(); ++s) {
     auto& slots = slots_[s];
-    bool removed = false;
     for (std::size_t i = slots.size(); i-- > 0;) {
       OdDbStub* stub = slots[i];
       if (!stub || !stub->isErased()) continue;
@@ -560,12 +456,8 @@ void OdDbDatabaseImpl::prepareSave() {
       stub->section = OdDbStub::kNoSection;
       stub->index = static_cast<std::uint32_t>(detached_.size() - 1);
       stub->flags |= OdDbStub::kDetached;
-      slots.erase(slots.begin() + static_cast<std::ptrdiff_t>(i));
-      removed = true;
+      slots.erase(i);
     }
-    if (removed)
-      for (std::size_t i = 0; i < slots.size(); ++i)
-        if (slots[i]) slots[i]->index = static_cast<std::uint32_t>(i);
   }
   if (handSeedDirty_) {
     doc_->setHeaderVariable("$HANDSEED", {doc_->makeText(5, OdDbHandle(nextHandle_).ascii())});
@@ -615,10 +507,9 @@ void OdDbDatabaseImpl::materializeTable(TableKind kind) {
   std::size_t at = section.size();
   section.insertObject(at, std::move(head));
   section.insertObject(at + 1, std::vector<DxfTag>{doc_->makeRaw(0, "ENDTAB")});
-  auto& slots = slots_[s];
-  slots.insert(slots.end(), {stub, nullptr});
   stub->section = static_cast<std::uint32_t>(s);
-  stub->index = static_cast<std::uint32_t>(at);
+  slots_[s].insert(at, stub);
+  slots_[s].insert(at + 1, nullptr);
   stub->flags &= static_cast<std::uint8_t>(~OdDbStub::kDetached);
   handSeedDirty_ = true;
 }

@@ -2,12 +2,11 @@
 
 // Internal to TD_Db: the state of an OdDbDatabase. The document holds the tags; the
 // database adds one stub per object (found by handle, and by section position through a
-// slot list kept parallel to each section's objects), the objects made so far, the
-// reactors, and where the well-known tables and blocks are.
+// slot list parallel to each section's objects), the objects made so far, the reactors,
+// and where the well-known tables and blocks are.
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,8 +14,11 @@
 #include <vector>
 
 #include "DxfDocument.h"
+#include "OdDbHandleIndex.h"
 #include "OdDbObjectId.h"
+#include "OdDbSlotList.h"
 #include "OdDbStub.h"
+#include "OdDbStubTable.h"
 #include "OdString.h"
 
 class OdDbDatabase;
@@ -66,7 +68,8 @@ class OdDbDatabaseImpl {
   std::size_t numStubs() const noexcept { return stubs_.size(); }
   // The stub of the object at a position, or null (section heads, ENDTAB, unindexed sections).
   OdDbStub* slot(std::size_t section, std::size_t index) const;
-  const std::vector<OdDbStub*>& slots(std::size_t section) const { return slots_.at(section); }
+  // Checked: throws std::out_of_range for a section the document lacks.
+  const OdDbSlotList& slots(std::size_t section) const { return slots_.at(section); }
 
   std::size_t sectionIndex(std::string_view name) const;  // SIZE_MAX when absent
   // The section called `name`, made (before EOF, or before `before` when that exists) when
@@ -133,10 +136,6 @@ class OdDbDatabaseImpl {
   // Gives the stubs of a freshly loaded document their handles: the file's, or a new one for
   // an object without a handle or with one an earlier object took. Then indexes them.
   void assignLoadedHandles(std::uint64_t handSeed);
-  // Sorts positions in stubs_ by handle, then position.
-  void sortByHandle(std::vector<std::uint32_t>& positions) const;
-  // Makes the handle look-up find `stub`, whose handle is final.
-  void indexHandle(const OdDbStub* stub);
   OdDbStub* detachedStub(std::vector<DxfTag> tags, std::uint8_t flags);
   void indexTables(std::size_t section);
   void indexR12Blocks();
@@ -145,14 +144,9 @@ class OdDbDatabaseImpl {
 
   OdDbDatabase* self_;
   std::unique_ptr<DxfDocument> doc_;
-  std::deque<OdDbStub> stubs_;
-  // Handle look-up without a table of its own: files list objects by increasing handle and
-  // new handles come from $HANDSEED, above all others, so stubs_ is usually in handle order
-  // and is searched directly. Otherwise byHandle_ holds the positions in stubs_ in handle
-  // order (4 bytes an object rather than a hash node's 40).
-  bool stubsInHandleOrder_ = true;
-  std::vector<std::uint32_t> byHandle_;
-  std::vector<std::vector<OdDbStub*>> slots_;
+  OdDbStubTable stubs_;
+  OdDbHandleIndex byHandle_{stubs_};
+  std::vector<OdDbSlotList> slots_;
   std::vector<std::unique_ptr<DxfObject>> detached_;
   std::vector<OdDbObject*> objects_;
   std::vector<OdDbDatabaseReactor*> reactors_;

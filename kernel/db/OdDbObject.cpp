@@ -107,12 +107,12 @@ void OdDbObject::close() {
   bool changed = modified_ && mode_ == OdDb::kForWrite;
   mode_ = OdDb::kNotOpen;
   notifiedModify_ = false;
-  if (changed) stub_->db->impl().fireModified(this);
+  if (changed) stub_->database()->impl().fireModified(this);
   if (refs_ == 0) modified_ = false;
 }
 
 DxfObject& OdDbObject::dxf() const {
-  if (stub_) return stub_->db->impl().dxf(stub_);
+  if (stub_) return stub_->database()->impl().dxf(stub_);
   return *newObj_;
 }
 
@@ -125,7 +125,7 @@ OdDbHandle OdDbObject::getDbHandle() const noexcept {
 }
 
 OdDbDatabase* OdDbObject::database() const noexcept {
-  return stub_ ? stub_->db : nullptr;
+  return stub_ ? stub_->database() : nullptr;
 }
 
 bool OdDbObject::isErased() const noexcept {
@@ -150,14 +150,14 @@ void OdDbObject::assertWriteEnabled() {
     throw OdError(eNotOpenForWrite, "the " + describe(*this) + " is not open for write");
   if (!notifiedModify_) {
     notifiedModify_ = true;
-    stub_->db->impl().fireOpenedForModify(this);
+    stub_->database()->impl().fireOpenedForModify(this);
   }
   modified_ = true;
 }
 
 OdDbObjectId OdDbObject::ownerId() const {
   if (!stub_) return OdDbObjectId();
-  OdDbDatabaseImpl& impl = stub_->db->impl();
+  OdDbDatabaseImpl& impl = stub_->database()->impl();
   const DxfObject& obj = dxf();
   for (std::size_t i = 1; i < obj.size(); i = odDbSkipGroup(obj, i)) {
     int code = obj.code(i);
@@ -186,7 +186,7 @@ OdDbObjectId OdDbObject::ownerId() const {
       if (section.object(i).type() != "BLOCK") continue;
       OdDbStub* block = impl.slot(stub_->section, i);
       if (block && (block->flags & OdDbStub::kBlockView)) return OdDbObjectId(block);
-      return block ? block->db->impl().materialize(block)->ownerId() : OdDbObjectId();
+      return block ? block->database()->impl().materialize(block)->ownerId() : OdDbObjectId();
     }
   }
   return OdDbObjectId();
@@ -198,7 +198,7 @@ OdResult OdDbObject::erase(bool erasing) {
   if (mode_ != OdDb::kForWrite)
     throw OdError(eNotOpenForWrite, "the " + describe(*this) + " is not open for write");
   if (stub_->isErased() == erasing) return eOk;
-  OdDbDatabaseImpl& impl = stub_->db->impl();
+  OdDbDatabaseImpl& impl = stub_->database()->impl();
   if (erasing) {
     stub_->flags |= OdDbStub::kErased;
     for (OdDbStub* follower : impl.followers(stub_)) follower->flags |= OdDbStub::kErased;
@@ -227,7 +227,7 @@ OdDbObjectId OdDbObject::extensionDictionary() const {
     if (obj.code(i) != 360) continue;
     OdDbHandle h;
     if (OdDbHandle::parse(obj.rawValue(i), h))
-      return OdDbObjectId(stub_->db->impl().stubByHandle(h));
+      return OdDbObjectId(stub_->database()->impl().stubByHandle(h));
   }
   return OdDbObjectId();
 }
@@ -238,7 +238,7 @@ void OdDbObject::createExtensionDictionary() {
     throw OdError(eNotImplementedYet,
                   "an object needs to be in a drawing before it gets an extension dictionary");
   assertWriteEnabled();
-  OdDbDatabaseImpl& impl = stub_->db->impl();
+  OdDbDatabaseImpl& impl = stub_->database()->impl();
   if (impl.doc().versionNumber() < 1012)
     throw OdError(eNotImplementedYet,
                   "extension dictionaries need a drawing of release 13 or "
@@ -247,8 +247,8 @@ void OdDbObject::createExtensionDictionary() {
   std::size_t objects = impl.ensureSection("OBJECTS");
   OdDbDictionaryPtr dict = OdDbDictionary::createObject();
   dict->setHardOwner(true);
-  OdDbObjectId dictId =
-      dict->makeResident(stub_->db, objects, impl.doc().section(objects).size(), objectId());
+  OdDbObjectId dictId = dict->makeResident(stub_->database(), objects,
+                                           impl.doc().section(objects).size(), objectId());
   DxfObject& obj = dxf();
   DxfDocument& doc = obj.document();
   // After the handle and the reactors group, where files keep it.
@@ -282,7 +282,7 @@ void OdDbObject::setXData(const OdResBuf* chain) {
   assertWriteEnabled();
   OdString app = chain->getString();
   if (stub_) {
-    OdDbDatabaseImpl& impl = stub_->db->impl();
+    OdDbDatabaseImpl& impl = stub_->database()->impl();
     OdDbStub* appTable = impl.table(OdDbDatabaseImpl::kAppid);
     if (!impl.findRecord(appTable, app) && appTable->section != OdDbStub::kNoSection) {
       OdDbSymbolTablePtr table = OdDbObjectId(appTable).safeOpenObject(OdDb::kForWrite);

@@ -12,7 +12,7 @@ OdDbHandle OdDbObjectId::getHandle() const noexcept {
 }
 
 OdDbDatabase* OdDbObjectId::database() const noexcept {
-  return stub_ ? stub_->db : nullptr;
+  return stub_ ? stub_->database() : nullptr;
 }
 
 bool OdDbObjectId::isErased() const noexcept {
@@ -45,7 +45,7 @@ OdDbObjectPtr OdDbObjectId::safeOpenObject(OdDb::OpenMode mode, bool openErased)
   if (!stub_) throw OdError(eNullObjectId, "cannot open an object through a null id");
   if (stub_->isErased() && !openErased)
     throw OdError(eWasErased, "the object " + stub_->handle.ascii() + " is erased");
-  OdDbObject* object = stub_->db->impl().materialize(stub_);
+  OdDbObject* object = stub_->database()->impl().materialize(stub_);
   object->open(mode);
   return OdDbObjectPtr(object);
 }

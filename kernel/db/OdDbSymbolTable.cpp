@@ -13,7 +13,7 @@ ODRX_DEFINE_INIT_MEMBERS(OdDbSymbolTableIterator, OdRxObject,
 OdDbObjectId OdDbSymbolTable::getAt(const OdString& name, bool getErased) const {
   OdDbStub* s = stub();
   if (!s) return OdDbObjectId();
-  OdDbDatabaseImpl& impl = s->db->impl();
+  OdDbDatabaseImpl& impl = s->database()->impl();
   if (OdDbStub* found = impl.findRecord(s, name)) return OdDbObjectId(found);
   if (getErased)
     for (OdDbStub* rec : impl.tableRecords(s))
@@ -30,7 +30,7 @@ OdDbSymbolTableRecordPtr OdDbSymbolTable::getAt(const OdString& name, OdDb::Open
 
 bool OdDbSymbolTable::has(const OdDbObjectId& id) const {
   if (id.isNull() || id.isErased() || !stub()) return false;
-  for (OdDbStub* rec : stub()->db->impl().tableRecords(stub()))
+  for (OdDbStub* rec : stub()->database()->impl().tableRecords(stub()))
     if (rec == id.stub()) return true;
   return false;
 }
@@ -39,7 +39,7 @@ OdDbObjectId OdDbSymbolTable::add(OdDbSymbolTableRecord* record) {
   if (!record) throw OdError(eNullPtr, "no record to add");
   OdDbStub* s = stub();
   if (!s) throw OdError(eNotImplementedYet, "a table needs to be in a drawing to take records");
-  OdDbDatabaseImpl& impl = s->db->impl();
+  OdDbDatabaseImpl& impl = s->database()->impl();
   OdDbDatabaseImpl::TableKind kind = impl.tableKindOf(s);
   std::string type(record->dxf().type());
   if (kind == OdDbDatabaseImpl::kTableKinds || type != OdDbDatabaseImpl::recordType(kind))
@@ -62,7 +62,7 @@ OdDbObjectId OdDbSymbolTable::add(OdDbSymbolTableRecord* record) {
     if (t == "ENDTAB" || t == "TABLE") break;
     ++at;
   }
-  OdDbObjectId id = record->makeResident(s->db, s->section, at, objectId());
+  OdDbObjectId id = record->makeResident(s->database(), s->section, at, objectId());
   impl.invalidateNames();
   return id;
 }
@@ -71,7 +71,7 @@ OdDbSymbolTableIteratorPtr OdDbSymbolTable::newIterator(bool atBeginning, bool s
   OdDbSymbolTableIteratorPtr it = OdDbSymbolTableIterator::createObject();
   OdDbObjectIdArray ids;
   if (OdDbStub* s = stub())
-    for (OdDbStub* rec : s->db->impl().tableRecords(s)) ids.append(OdDbObjectId(rec));
+    for (OdDbStub* rec : s->database()->impl().tableRecords(s)) ids.append(OdDbObjectId(rec));
   it->setIds(std::move(ids));
   it->start(atBeginning, skipErased);
   return it;

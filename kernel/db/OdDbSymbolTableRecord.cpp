@@ -23,7 +23,7 @@ OdString OdDbSymbolTableRecord::getName() const {
 void OdDbSymbolTableRecord::setName(const OdString& name) {
   if (name.isEmpty()) throw OdError(eInvalidInput, "a record name cannot be empty");
   if (OdDbStub* s = stub()) {
-    OdDbDatabaseImpl& impl = s->db->impl();
+    OdDbDatabaseImpl& impl = s->database()->impl();
     OdDbObjectId owner = ownerId();
     OdDbStub* other = owner.isNull() ? nullptr : impl.findRecord(owner.stub(), name);
     if (other && other != s)
@@ -31,7 +31,7 @@ void OdDbSymbolTableRecord::setName(const OdString& name) {
   }
   assertWriteEnabled();
   OdDbTagRange(dxf(), subclass()).setText(2, name);
-  if (stub()) stub()->db->impl().invalidateNames();
+  if (stub()) stub()->database()->impl().invalidateNames();
 }
 
 int OdDbSymbolTableRecord::flags() const {

@@ -237,21 +237,30 @@ TEST(DbObject, ANewTextInModelSpaceIsWrittenAsEzdxfReadsIt) {
 
 namespace {
 
-// Handles are looked up in file order when the file lists them ascending and through a
-// sorted index otherwise; both must find every object, and new objects, by handle.
+// Handles are indexed as runs of the file's order: a file listing them ascending is one
+// run, an unordered one many, merged; every object, and new ones, must be found by handle.
 TEST(DbObject, EveryObjectIsFoundByItsHandleWhateverTheFileOrder) {
-  auto line = [](const char* handle) {
+  auto line = [](const std::string& handle) {
     std::string tags = "0\nLINE\n";
-    if (*handle) tags += std::string("5\n") + handle + "\n";
+    if (!handle.empty()) tags += "5\n" + handle + "\n";
     return tags + "8\n0\n10\n0\n20\n0\n11\n1\n21\n1\n";
   };
-  const std::vector<std::vector<const char*>> orders = {
+  std::vector<std::vector<std::string>> orders = {
       {"10", "20", "", "30"},        // ascending, one without a handle
       {"30", "10", "20", "10", ""},  // out of order, a duplicate, one without a handle
       {"", "", ""}};                 // no handles at all
+  // Interleaved runs that tie at their heads and inside, and a handle three objects share.
+  std::vector<std::string> interleaved;
+  for (int k = 0; k < 300; ++k) {
+    char hex[16];
+    std::snprintf(hex, sizeof hex, "%X", 0x40 + (k % 7) * 50 + k / 7);
+    interleaved.push_back(k % 41 == 40 ? interleaved[k - 13] : hex);
+  }
+  interleaved.insert(interleaved.end(), {"41", "41", "7", "7"});
+  orders.push_back(interleaved);
   for (const auto& handles : orders) {
     std::string file = "0\nSECTION\n2\nENTITIES\n";
-    for (const char* h : handles) file += line(h);
+    for (const std::string& h : handles) file += line(h);
     file += "0\nENDSEC\n0\nEOF\n";
     SCOPED_TRACE(file);
     OdDbDatabasePtr db = OdDbDatabase::readBuffer(file, "handles.dxf");
@@ -268,9 +277,8 @@ TEST(DbObject, EveryObjectIsFoundByItsHandleWhateverTheFileOrder) {
       const OdDbHandle h = ids[i].getHandle();
       EXPECT_TRUE(seen.insert(h.value()).second) << "handle " << h.ascii() << " given twice";
       EXPECT_EQ(db->getOdDbObjectId(h), ids[i]) << "object " << i << ", handle " << h.ascii();
-      const bool firstWithIt =
-          i < handles.size() && *handles[i] &&
-          std::count(handles.begin(), handles.begin() + i, std::string_view(handles[i])) == 0;
+      const bool firstWithIt = i < handles.size() && !handles[i].empty() &&
+                               std::count(handles.begin(), handles.begin() + i, handles[i]) == 0;
       if (firstWithIt) {
         EXPECT_EQ(h.ascii(), handles[i]) << "the first object with a handle keeps it";
       }
