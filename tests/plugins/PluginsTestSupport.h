@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "DrawingBuilders.h"
 #include "OdDbBlockTableRecord.h"
 #include "OdDbDatabase.h"
 #include "OdDbDimStyleTable.h"
@@ -51,37 +52,9 @@ inline st::StDWSPluginPtr createPlugin(const wchar_t* className) {
   return st::StDWSPluginPtr(odrxCreateObject(className));
 }
 
-// Saves `db` as `file` and reads the file back, as a user's drawing arrives.
-inline OdDbDatabasePtr saveAndReload(OdDbDatabase& db, const std::filesystem::path& file) {
-  db.writeFile(file);
-  return OdDbDatabase::readFile(file);
-}
-
-inline OdDbObjectId addLinetype(OdDbDatabase& db, const wchar_t* name, const wchar_t* comments,
-                                std::vector<double> dashes) {
-  OdDbLinetypeTablePtr table = db.getLinetypeTableId().safeOpenObject(OdDb::kForWrite);
-  OdDbLinetypeTableRecordPtr linetype = OdDbLinetypeTableRecord::createObject();
-  linetype->setName(name);
-  linetype->setComments(comments);
-  linetype->setDashes(dashes);
-  return table->add(linetype.get());
-}
-
-inline OdDbObjectId addLayer(OdDbDatabase& db, const wchar_t* name, short color,
-                             OdDb::LineWeight weight = OdDb::kLnWtByLnDefault,
-                             const wchar_t* linetype = nullptr) {
-  OdDbLayerTablePtr table = db.getLayerTableId().safeOpenObject(OdDb::kForWrite);
-  OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
-  layer->setName(name);
-  OdDbObjectId id = table->add(layer.get());
-  layer->setColorIndex(color);
-  if (weight != OdDb::kLnWtByLnDefault) layer->setLineWeight(weight);
-  if (linetype) {
-    OdDbLinetypeTablePtr linetypes = db.getLinetypeTableId().safeOpenObject();
-    layer->setLinetypeObjectId(linetypes->getAt(linetype));
-  }
-  return id;
-}
+using testsupport::addLayer;
+using testsupport::addLinetype;
+using testsupport::saveAndReload;
 
 // A text in `block` (model space when null) on `layer`.
 inline OdDbObjectId addText(OdDbDatabase& db, const wchar_t* layer, const wchar_t* contents,
@@ -257,13 +230,6 @@ inline std::vector<std::string> changedObjects(const std::filesystem::path& befo
   return {out.begin(), out.end()};
 }
 
-// Runs a python snippet with ezdxf; the snippet sees the file as `path`.
-inline testsupport::ProcessResult ezdxf(const std::string& snippet,
-                                        const std::filesystem::path& file) {
-  std::string script = "import sys, ezdxf\npath = sys.argv[1]\n" + snippet;
-  return testsupport::runCommand(std::string(STAUDIT_PYTHON) + " -c " +
-                                 testsupport::shellQuote(script) + " " +
-                                 testsupport::shellQuote(file.string()));
-}
+using testsupport::ezdxf;
 
 }  // namespace plugintest

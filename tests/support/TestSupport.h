@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstdlib>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -17,7 +17,7 @@
 namespace testsupport {
 
 struct ProcessResult {
-  int exitCode = -1;  // -1 when the process did not exit normally (a crash)
+  int exitCode = -1;   // -1 when the process did not exit normally (a crash)
   std::string output;  // standard output and standard error together
 };
 
@@ -27,7 +27,8 @@ inline ProcessResult runCommand(const std::string& commandLine) {
   FILE* pipe = popen((commandLine + " 2>&1").c_str(), "r");
   if (!pipe) return result;
   std::array<char, 65536> buffer{};
-  while (size_t n = fread(buffer.data(), 1, buffer.size(), pipe)) result.output.append(buffer.data(), n);
+  while (size_t n = fread(buffer.data(), 1, buffer.size(), pipe))
+    result.output.append(buffer.data(), n);
   int status = pclose(pipe);
   result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   return result;
@@ -45,6 +46,13 @@ inline ProcessResult runStcheck(const std::vector<std::string>& args) {
   std::string line = shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
   for (const auto& a : args) line += " " + shellQuote(a);
   return runCommand(line);
+}
+
+// Runs a python snippet with ezdxf on `file` (bound to the name `path` in the snippet).
+inline ProcessResult ezdxf(const std::string& snippet, const std::filesystem::path& file) {
+  std::string script = "import sys, ezdxf\npath = sys.argv[1]\n" + snippet;
+  return runCommand(std::string(STAUDIT_PYTHON) + " -c " + shellQuote(script) + " " +
+                    shellQuote(file.string()));
 }
 
 // The corpus folder, or an empty path when it is absent (tests then skip and say so).

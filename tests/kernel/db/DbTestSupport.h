@@ -21,14 +21,7 @@ inline std::filesystem::path corpusFile(const char* name) {
   return dir.empty() ? dir : dir / name;
 }
 
-// Runs a python snippet with ezdxf on `file` (bound to the name `path` in the snippet).
-inline testsupport::ProcessResult ezdxf(const std::string& snippet,
-                                        const std::filesystem::path& file) {
-  std::string script = "import sys, ezdxf\npath = sys.argv[1]\n" + snippet;
-  return testsupport::runCommand(std::string(STAUDIT_PYTHON) + " -c " +
-                                 testsupport::shellQuote(script) + " " +
-                                 testsupport::shellQuote(file.string()));
-}
+using testsupport::ezdxf;
 
 // The objects of two files, as lists of tags per object, that differ: pairs of (index of
 // the object in file order, its type).

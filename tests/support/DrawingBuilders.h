@@ -1,0 +1,50 @@
+#pragma once
+
+// Drawings built with the kernel for tests, and read back through real files as a user's
+// drawing arrives.
+
+#include <filesystem>
+#include <vector>
+
+#include "OdDbDatabase.h"
+#include "OdDbLayerTable.h"
+#include "OdDbLayerTableRecord.h"
+#include "OdDbLinetypeTable.h"
+#include "OdDbLinetypeTableRecord.h"
+
+namespace testsupport {
+
+// Saves `db` as `file` and reads the file back.
+inline OdDbDatabasePtr saveAndReload(OdDbDatabase& db, const std::filesystem::path& file) {
+  db.writeFile(file);
+  return OdDbDatabase::readFile(file);
+}
+
+inline OdDbObjectId addLinetype(OdDbDatabase& db, const wchar_t* name, const wchar_t* comments,
+                                std::vector<double> dashes) {
+  OdDbLinetypeTablePtr table = db.getLinetypeTableId().safeOpenObject(OdDb::kForWrite);
+  OdDbLinetypeTableRecordPtr linetype = OdDbLinetypeTableRecord::createObject();
+  linetype->setName(name);
+  linetype->setComments(comments);
+  linetype->setDashes(dashes);
+  return table->add(linetype.get());
+}
+
+// A layer; the lineweight is set only when one is given, and the linetype (by name) too.
+inline OdDbObjectId addLayer(OdDbDatabase& db, const wchar_t* name, short color,
+                             OdDb::LineWeight weight = OdDb::kLnWtByLnDefault,
+                             const wchar_t* linetype = nullptr) {
+  OdDbLayerTablePtr table = db.getLayerTableId().safeOpenObject(OdDb::kForWrite);
+  OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
+  layer->setName(name);
+  OdDbObjectId id = table->add(layer.get());
+  layer->setColorIndex(color);
+  if (weight != OdDb::kLnWtByLnDefault) layer->setLineWeight(weight);
+  if (linetype) {
+    OdDbLinetypeTablePtr linetypes = db.getLinetypeTableId().safeOpenObject();
+    layer->setLinetypeObjectId(linetypes->getAt(linetype));
+  }
+  return id;
+}
+
+}  // namespace testsupport
