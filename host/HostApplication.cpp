@@ -75,6 +75,8 @@ HostConfigKeyPtr HostApplication::configRoot() {
 }
 
 OdRxModulePtr HostApplication::loadModule(const OdString& name) {
+  // A module registers its settings as it starts: one write of the file for all of them.
+  HostConfigTree::Batch batch(*config_);
   OdRxModulePtr module = odrxDynamicLinker()->loadModule(name, false);
   const OdString& loaded = module->moduleName();
   if (std::find(modules_.begin(), modules_.end(), loaded) == modules_.end())

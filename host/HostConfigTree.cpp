@@ -287,14 +287,14 @@ bool HostConfigTree::createKey(const Path& path, const std::string& name) {
   if (!key) return false;
   if ((*key)["keys"].contains(name)) return true;
   (*key)["keys"][name] = emptyKey();
-  return save();
+  return saveChange();
 }
 
 bool HostConfigTree::deleteKey(const Path& path, const std::string& name) {
   Json* key = findKey(path);
   if (!key || !(*key)["keys"].contains(name)) return false;
   (*key)["keys"].erase(name);
-  save();
+  saveChange();
   return true;
 }
 
@@ -329,15 +329,28 @@ bool HostConfigTree::setValue(const Path& path, const std::string& name, const O
   Json& slot = (*key)["values"][name];
   if (slot == stored) return true;
   slot = std::move(stored);
-  return save();
+  return saveChange();
 }
 
 bool HostConfigTree::deleteValue(const Path& path, const std::string& name) {
   Json* key = findKey(path);
   if (!key || !(*key)["values"].contains(name)) return false;
   (*key)["values"].erase(name);
-  save();
+  saveChange();
   return true;
+}
+
+bool HostConfigTree::saveChange() {
+  if (batchDepth_ == 0) return save();
+  unsaved_ = true;
+  return true;
+}
+
+HostConfigTree::Batch::~Batch() {
+  if (--tree_.batchDepth_ == 0 && tree_.unsaved_) {
+    tree_.unsaved_ = false;
+    tree_.save();
+  }
 }
 
 bool HostConfigTree::save() {

@@ -22,11 +22,11 @@
 // "int32", "int64", "double". Keys and values keep the order in which they were created, and
 // enumerations give them in that order. Names are UTF-8 and compared exactly (case matters).
 //
-// Every change is written through at once, atomically: the new content goes to a temporary
-// file in the same folder, is flushed to disk and then renamed over the old file, so a reader
-// (or a crash) sees either the old file or the new one, never a mix. A save that fails leaves
-// the old file as it was, removes its temporary file and prints one warning on stderr naming
-// the file and the reason (repeated only when the reason changes).
+// Every change is written through at once (inside a Batch: when it closes), atomically: the new
+// content goes to a temporary file in the same folder, is flushed to disk and then renamed over the
+// old file, so a reader (or a crash) sees either the old file or the new one, never a mix. A save
+// that fails leaves the old file as it was, removes its temporary file and prints one warning on
+// stderr naming the file and the reason (repeated only when the reason changes).
 //
 // Loading a file that is not valid JSON, or not of the layout above, renames it aside to
 // "<file>.corrupt-<UTC timestamp>" with one warning on stderr naming the file and the parse
@@ -73,12 +73,29 @@ class HostConfigTree {
   // Writes the tree to its file now; false with a warning when that fails.
   bool save();
 
+  // While a batch is open, changes stay in memory and the setters report success; when the
+  // outermost batch closes, the tree is written once if anything changed. For runs of
+  // changes such as a module registering its settings, which would otherwise write and
+  // flush the file once per value. The tree must outlive the batch.
+  class Batch {
+   public:
+    explicit Batch(HostConfigTree& tree) noexcept : tree_(tree) { ++tree_.batchDepth_; }
+    ~Batch();
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+
+   private:
+    HostConfigTree& tree_;
+  };
+
   // The whole document (for tests and diagnostics).
   const Json& document() const noexcept { return doc_; }
 
   explicit HostConfigTree(std::filesystem::path file);
 
  private:
+  // Saves a change now, or notes it for the end of the open batch.
+  bool saveChange();
   static Json freshDocument();
   void load();
   // The key object at `path`, or null.
@@ -88,4 +105,6 @@ class HostConfigTree {
   std::filesystem::path file_;
   Json doc_;
   std::string lastSaveError_;
+  int batchDepth_ = 0;
+  bool unsaved_ = false;  // changed while a batch was open
 };

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "HeadlessHost.h"
+#include "HostConfigTree.h"
 #include "ModuleHost.h"
 #include "OdDbDictionary.h"
 #include "OdError.h"
@@ -89,6 +90,7 @@ std::filesystem::path backupPath(const std::filesystem::path& drawing) {
 
 CheckSession::CheckSession(const CheckOptions& options)
     : options_(options), module_(std::make_unique<ModuleHost>(ModuleHost::Config::kPrivateCopy)) {
+  HostConfigTree::Batch batch(module_->host().app().configTree());
   st::StSettingsStorage* settings = ::stSettingsStorage();
   settings->setAutoFixProperties(options_.fix);
   settings->setShowIgnoredProblems(options_.showIgnored);

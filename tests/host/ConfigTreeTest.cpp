@@ -129,6 +129,34 @@ TEST(HostConfigTree, KeysAreOpenedCreatedAndDeletedAsAsked) {
   EXPECT_FALSE(tree->hasKey({"cmddata", "Lib"}));
 }
 
+// A batch keeps a run of changes in memory and writes the file once, when the outermost
+// batch closes; a batch that changed nothing writes nothing.
+TEST(HostConfigTree, ABatchWritesTheFileOnceWhenItCloses) {
+  testsupport::TempDir dir;
+  const fs::path file = dir.path() / "config.json";
+  auto tree = HostConfigTree::open(file);
+  ASSERT_TRUE(tree->setValue({"cmddata"}, "kept", OdVariant(std::int32_t(1))));
+  const std::string before = readAll(file);
+  {
+    HostConfigTree::Batch outer(*tree);
+    {
+      HostConfigTree::Batch inner(*tree);
+      EXPECT_TRUE(tree->createKey({"cmddata"}, "Lib"));
+      EXPECT_TRUE(tree->setValue({"cmddata", "Lib"}, "a", OdVariant(std::int32_t(2))));
+    }
+    EXPECT_TRUE(tree->setValue({"cmddata", "Lib"}, "b", OdVariant(OdString(L"é"))));
+    EXPECT_EQ(readAll(file), before) << "nothing is written while a batch is open";
+    EXPECT_EQ(tree->getValue({"cmddata", "Lib"}, "a")->getInt32(), 2) << "but it is read back";
+  }
+  auto reread = HostConfigTree::open(file);
+  EXPECT_EQ(reread->getValue({"cmddata", "Lib"}, "a")->getInt32(), 2);
+  EXPECT_EQ(reread->getValue({"cmddata", "Lib"}, "b")->getString(), OdString(L"é"));
+
+  fs::remove(file);
+  { HostConfigTree::Batch idle(*tree); }
+  EXPECT_FALSE(fs::exists(file)) << "a batch without changes does not write";
+}
+
 TEST(HostConfigTree, CorruptFileIsSetAsideWithOneWarning) {
   testsupport::TempDir dir;
   const fs::path file = dir.path() / "config.json";
