@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <memory>
@@ -15,6 +16,8 @@
 // What must hold for any bytes handed to the DXF file layer, checked in one place so that the
 // fuzzer and the regression test over its findings test the same thing:
 //  - the bytes either load or are rejected with OdError(eBadDxfFile or eDwgNotSupported);
+//  - every value as read is where a plain walk over the file finds it (tags hold no lengths:
+//    the document finds where each value ends);
 //  - every string value decodes with the file's codec (OdError allowed, nothing else);
 //  - a loaded document written back untouched gives the same bytes;
 //  - converted to the other format (ASCII <-> binary), it either is refused with
@@ -34,6 +37,7 @@ class DxfRoundTripCheck {
       if (e.code() == eBadDxfFile || e.code() == eDwgNotSupported) return {};
       return "load failed with an unexpected result code: " + std::string(e.what());
     }
+    if (std::string fault = checkValueExtents(*doc); !fault.empty()) return fault;
     decodeEveryString(*doc);
 
     std::string same;
@@ -72,6 +76,52 @@ class DxfRoundTripCheck {
     // A converted file is in the writer's own layout, so a second trip is a fixed point.
     if (std::string again = DxfWriter(*backDoc, other).toBytes(); again != converted)
       return "a second conversion differs from the first " + firstDifference(converted, again);
+    return {};
+  }
+
+  // The values of a loaded document's tags against a plain walk over its file: line pairs of
+  // an ASCII file (the value line without its line end), or the group codes and values of a
+  // binary one, each value measured by its type. Empty when every value matches.
+  static std::string checkValueExtents(const DxfDocument& doc) {
+    const std::string_view bytes = doc.bytes();
+    const bool binary = doc.format() == DxfFormat::kBinary;
+    std::size_t p = doc.preamble().size();
+    auto nextLine = [&] {
+      std::size_t end = std::min(bytes.find('\n', p), bytes.size());
+      std::string_view line = bytes.substr(p, end - p);
+      if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+      p = end + 1;
+      return line;
+    };
+    auto take = [&](std::size_t n) {
+      std::string_view taken = bytes.substr(std::min(p, bytes.size()), n);
+      p += n;
+      return taken;
+    };
+    const auto tags = doc.sourceTags();
+    for (std::size_t i = 0; i < tags.size(); ++i) {
+      std::string_view value;
+      if (!binary) {
+        nextLine();
+        value = nextLine();
+      } else {
+        if (doc.layout().twoByteCodes || take(1) == "\xFF") take(2);
+        const DxfValueType type = DxfGroupCode::valueType(tags[i].code);
+        if (type == DxfValueType::kBinary) {
+          const std::string_view length = take(1);
+          value = take(length.empty() ? 0 : static_cast<unsigned char>(length[0]));
+        } else if (DxfGroupCode::binarySize(type) > 0) {
+          value = take(static_cast<std::size_t>(DxfGroupCode::binarySize(type)));
+        } else {
+          value = take(bytes.find('\0', p) - p);
+          take(1);
+        }
+      }
+      if (doc.rawValue(tags[i]) != value)
+        return "the value of tag " + std::to_string(i) + " (group code " +
+               std::to_string(tags[i].code) + ", " + doc.describePosition(tags[i]) +
+               ") is not the one in the file";
+    }
     return {};
   }
 

@@ -1,9 +1,11 @@
 #include "DxfDocument.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <limits>
 
+#include "DxfByteScan.h"
 #include "DxfGroupCode.h"
 #include "OdError.h"
 
@@ -117,18 +119,42 @@ void DxfDocument::releaseChangedTags(std::uint32_t number) noexcept {
   freeChangedTags_.push_back(number);  // room was made when the number was handed out
 }
 
-std::size_t DxfDocument::valueLength(const DxfTag& tag) const noexcept {
-  std::size_t length = tag.shortLength();
-  if (length != DxfTag::kLongLength) return length;
-  auto it = longLengths_.find(longLengthKey(tag.isInPool(), tag.offset));
-  return it == longLengths_.end() ? 0 : it->second;
+namespace {
+
+// A text value runs to the end of its line, without a CR before the LF: the rule by which
+// DxfReader::parseAscii cut it out of the file, and the one pool values are stored for.
+std::size_t textLength(const char* value, const char* end) noexcept {
+  const char* lineEnd = dxfFindByte(value, end, '\n');
+  if (!lineEnd) lineEnd = end;
+  if (lineEnd > value && lineEnd[-1] == '\r') --lineEnd;
+  return static_cast<std::size_t>(lineEnd - value);
 }
 
+// A binary value as DxfReader::parseBinary found it: a number of its type's size, a chunk
+// of as many bytes as the byte before it says, or a string up to its NUL. Clipped to the
+// store, so that no tag reads past it.
+std::size_t binaryLength(int code, const char* value, const char* begin, const char* end) noexcept {
+  const std::size_t available = static_cast<std::size_t>(end - value);
+  const DxfValueType type = DxfGroupCode::valueType(code);
+  if (const int size = DxfGroupCode::binarySize(type))
+    return std::min(static_cast<std::size_t>(size), available);
+  if (type == DxfValueType::kBinary)
+    return value > begin ? std::min<std::size_t>(static_cast<unsigned char>(value[-1]), available)
+                         : 0;
+  const char* nul = dxfFindByte(value, end, 0);
+  return static_cast<std::size_t>((nul ? nul : end) - value);
+}
+
+}  // namespace
+
 std::string_view DxfDocument::rawValue(const DxfTag& tag) const noexcept {
-  std::string_view store = tag.isInPool() ? std::string_view(pool_) : bytes_;
-  const std::size_t length = valueLength(tag);
-  if (static_cast<std::size_t>(tag.offset) + length > store.size()) return {};
-  return store.substr(tag.offset, length);
+  const std::string_view store = tag.isInPool() ? std::string_view(pool_) : bytes_;
+  const std::size_t offset = tag.offset();
+  if (offset > store.size()) return {};
+  const char* value = store.data() + offset;
+  const char* end = store.data() + store.size();
+  return {value, tag.isBinaryForm() ? binaryLength(tag.code, value, store.data(), end)
+                                    : textLength(value, end)};
 }
 
 std::string DxfDocument::stringBytes(const DxfTag& tag) const {
@@ -192,11 +218,16 @@ std::string DxfDocument::binaryChunk(const DxfTag& tag) const {
   return bytes;
 }
 
+// Every pool value is followed by a line feed, where rawValue finds its end. No value holds
+// one, nor a CR before it: makeText writes control characters in caret notation, makeRaw
+// refuses line breaks, and the other makers write numbers and hex digits.
 DxfTag DxfDocument::addToPool(int code, std::string_view bytes) {
-  if (pool_.size() + bytes.size() > std::numeric_limits<std::uint32_t>::max())
+  if (pool_.size() + bytes.size() >= std::numeric_limits<std::uint32_t>::max())
     throw OdError(eOutOfMemory, fileName_ + ": too many changed values");
-  DxfTag tag = makeTag(code, pool_.size(), bytes.size(), DxfTag::kInPool);
+  assert(DxfGroupCode::valueType(code) != DxfValueType::kUnknown);  // see DxfTag::kMaxCode
+  DxfTag tag(code, static_cast<std::uint32_t>(pool_.size()), DxfTag::kInPool);
   pool_.append(bytes);
+  pool_.push_back('\n');
   return tag;
 }
 
@@ -326,7 +357,7 @@ void DxfDocument::setHeaderVariable(std::string_view name, const std::vector<Dxf
 
 std::string DxfDocument::describePosition(const DxfTag& tag) const {
   if (tag.isInPool()) return "a changed tag";
-  std::size_t offset = std::min<std::size_t>(tag.offset, bytes_.size());
+  std::size_t offset = std::min<std::size_t>(tag.offset(), bytes_.size());
   if (layout_.format == DxfFormat::kBinary) return "byte offset " + std::to_string(offset);
   // The value line follows the code line: report the line of the group code.
   std::size_t lines =

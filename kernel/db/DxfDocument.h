@@ -6,7 +6,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "DxfObject.h"
@@ -92,11 +91,13 @@ class DxfDocument {
   // Every tag as read, in file order (objects as read are ranges of it).
   std::span<const DxfTag> sourceTags() const noexcept { return {tags_.data(), tags_.size()}; }
 
-  // Values. The raw bytes of a value in its own form (see DxfTag). text() decodes a string
-  // with the file's codec; integer() and real() read a numeric tag in either form, and throw
-  // OdError(eInvalidInput) naming the tag when the group code is not of that kind.
-  // binaryChunk() gives the bytes of a 310-319 or 1004 tag. stringBytes() gives a string in
-  // the file's encoding with the caret notation of ASCII files undone ("^J" is a line feed).
+  // Values. rawValue() gives the bytes of a value in its own form (see DxfTag); finding the
+  // end of a text or string value scans it, which is cheap for the short values of a drawing.
+  // text() decodes a string with the file's codec; integer() and real() read a numeric tag in
+  // either form, and throw OdError(eInvalidInput) naming the tag when the group code is not of
+  // that kind. binaryChunk() gives the bytes of a 310-319 or 1004 tag. stringBytes() gives a
+  // string in the file's encoding with the caret notation of ASCII files undone ("^J" is a
+  // line feed).
   std::string_view rawValue(const DxfTag& tag) const noexcept;
   std::string stringBytes(const DxfTag& tag) const;
   OdString text(const DxfTag& tag) const;
@@ -140,15 +141,8 @@ class DxfDocument {
   friend class DxfObject;
 
   DxfTag addToPool(int code, std::string_view bytes);
-  // A tag over [offset, offset + length) of the file buffer, or of the pool with kInPool in
-  // `flags`; a long length is noted in longLengths_.
-  DxfTag makeTag(int code, std::size_t offset, std::size_t length, std::uint8_t flags);
-  std::size_t valueLength(const DxfTag& tag) const noexcept;
   std::uint32_t adoptChangedTags(std::vector<DxfTag> tags);
   void releaseChangedTags(std::uint32_t number) noexcept;
-  static std::uint64_t longLengthKey(bool inPool, std::uint32_t offset) noexcept {
-    return (std::uint64_t(inPool) << 32) | offset;
-  }
   void setVersion(std::string version, std::string_view codePage);
 
   std::string fileName_;
@@ -164,8 +158,6 @@ class DxfDocument {
   std::uint32_t preambleEnd_ = 0;
   std::uint32_t trailerBegin_ = 0;
   std::vector<DxfTag, DxfPageAllocator<DxfTag>> tags_;
-  // Lengths of values too long for their tag, by longLengthKey.
-  std::unordered_map<std::uint64_t, std::uint32_t> longLengths_;
   // The tags of changed objects, a list each, numbered; a number is reused once its object
   // goes. Declared before the objects, which give their lists back when they go.
   std::vector<std::unique_ptr<std::vector<DxfTag>>> changedTags_;
@@ -174,17 +166,3 @@ class DxfDocument {
   std::vector<std::unique_ptr<DxfSection>> sections_;
   std::unique_ptr<DxfObject> eof_;
 };
-
-inline DxfTag DxfDocument::makeTag(int code, std::size_t offset, std::size_t length,
-                                   std::uint8_t flags) {
-  DxfTag tag;
-  tag.offset = static_cast<std::uint32_t>(offset);
-  tag.code = static_cast<std::int16_t>(code);
-  if (length >= DxfTag::kLongLength) {
-    longLengths_[longLengthKey((flags & DxfTag::kInPool) != 0, tag.offset)] =
-        static_cast<std::uint32_t>(length);
-    length = DxfTag::kLongLength;
-  }
-  tag.lengthAndFlags = static_cast<std::uint16_t>(length << DxfTag::kFlagBits | flags);
-  return tag;
-}

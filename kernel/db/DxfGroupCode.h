@@ -22,6 +22,9 @@ enum class DxfValueType : std::uint8_t {
 // call per tag while parsing.
 class DxfGroupCode {
  public:
+  // The highest group code with a value type; negative codes have none (see valueType).
+  static constexpr int kLastCode = 1071;
+
   // The value type of `code`; kUnknown for codes the format does not define. Inline: the
   // parsers call it for every tag.
   static DxfValueType valueType(int code) noexcept {
@@ -43,20 +46,8 @@ class DxfGroupCode {
 
   // The size in bytes of a fixed-size value in a binary file, or 0 for strings, binary
   // chunks and unknown codes.
-  static int binarySize(DxfValueType type) noexcept {
-    switch (type) {
-      case DxfValueType::kDouble:
-      case DxfValueType::kInt64:
-        return 8;
-      case DxfValueType::kInt32:
-        return 4;
-      case DxfValueType::kInt16:
-        return 2;
-      case DxfValueType::kBool:
-        return 1;
-      default:
-        return 0;
-    }
+  static constexpr int binarySize(DxfValueType type) noexcept {
+    return kBinarySizes[static_cast<std::size_t>(type)];
   }
 
   // The range of integer values a type accepts. Integers are accepted up to the unsigned
@@ -86,6 +77,17 @@ class DxfGroupCode {
   static std::string caretDecode(std::string_view text);
 
  private:
-  static constexpr int kTableSize = 1072;  // codes 0..1071
+  static constexpr int kTableSize = kLastCode + 1;
   static const std::array<DxfValueType, kTableSize> kTypes;
+  // By DxfValueType: a table rather than a switch, as values are measured by it when read.
+  static constexpr std::array<std::uint8_t, 8> kBinarySizes = {0, 0, 8, 2, 4, 8, 1, 0};
 };
+
+static_assert(DxfGroupCode::binarySize(DxfValueType::kDouble) == 8 &&
+                  DxfGroupCode::binarySize(DxfValueType::kInt16) == 2 &&
+                  DxfGroupCode::binarySize(DxfValueType::kInt32) == 4 &&
+                  DxfGroupCode::binarySize(DxfValueType::kInt64) == 8 &&
+                  DxfGroupCode::binarySize(DxfValueType::kBool) == 1 &&
+                  DxfGroupCode::binarySize(DxfValueType::kString) == 0 &&
+                  DxfGroupCode::binarySize(DxfValueType::kBinary) == 0,
+              "kBinarySizes follows the order of DxfValueType");

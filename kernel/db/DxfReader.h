@@ -39,7 +39,7 @@ class DxfReader {
 
   void checkAsciiValue(int code, DxfValueType type, std::string_view value,
                        std::size_t valueBegin) const;
-  void addTag(int code, std::size_t valueBegin, std::size_t valueEnd, std::uint8_t flags);
+  void addTag(int code, std::size_t valueBegin, std::uint8_t flags);
   void startObject(std::size_t byteBegin, std::string_view type);
 
   // Where each object starts; it ends where the next one starts (the last, "0 EOF", at

@@ -198,12 +198,15 @@ class TagEncoder {
       appendLittleEndian<std::int16_t>(out, tag.code);
     }
     DxfValueType type = DxfGroupCode::valueType(tag.code);
-    std::string_view raw = doc_.rawValue(tag);
     // A text line that holds a carriage return cannot come back from binary: the text writer
     // ends its lines with one.
-    if (tag.code == 0 && !tag.isBinaryForm() && raw.find('\r') != std::string_view::npos)
+    if (tag.code == 0 && !tag.isBinaryForm() &&
+        doc_.rawValue(tag).find('\r') != std::string_view::npos)
       doc_.fail(tag, "an object type with a carriage return cannot be converted");
     if (tag.isBinaryForm()) {
+      // Read only here: reading a value scans for its end, and the text-form cases below
+      // read theirs through real(), integer() and the like.
+      const std::string_view raw = doc_.rawValue(tag);
       if (type == DxfValueType::kBinary) out.push_back(static_cast<char>(raw.size()));
       out.append(raw);
       if (type == DxfValueType::kString || type == DxfValueType::kUnknown) out.push_back('\0');

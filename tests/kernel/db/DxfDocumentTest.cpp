@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "../../../fuzz/DxfRoundTripCheck.h"
 #include "DxfReader.h"
 #include "DxfWriter.h"
 #include "OdError.h"
@@ -173,31 +174,52 @@ TEST(DxfDocument, ValuesAreCheckedByGroupCodeAndControlCharactersUseCarets) {
   }
 }
 
-// Tags keep short lengths themselves and long ones in the document: values on both sides
-// of that limit, read from a file, set later and written in either format, keep every byte.
-TEST(DxfDocument, ValuesOfAnyLengthKeepEveryByte) {
+// Tags hold no lengths: the document finds where each value ends, in the file or in its pool.
+// Values at the edges of that search keep every byte: empty, around the sizes the search
+// steps by, long, with a CR or blanks of their own, on the last line without a line end;
+// chunks of 0 and 255 bytes and numbers of every width once converted to binary.
+TEST(DxfDocument, EveryValueEndsWhereItsLineOrTypeSays) {
   std::vector<std::string> values;
-  for (std::size_t n : {std::size_t(0), std::size_t(16382), std::size_t(16383), std::size_t(16384),
-                        std::size_t(70000)}) {
+  for (std::size_t n : {0, 1, 7, 8, 15, 16, 17, 63, 64, 65, 70000}) {
     std::string v(n, 'a');
-    for (std::size_t i = 0; i < n; i += 97) v[i] = static_cast<char>('b' + i % 23);
+    for (std::size_t i = 0; i < n; i += 7) v[i] = static_cast<char>('b' + i % 23);
     values.push_back(v);
   }
-  std::string file = "0\nSECTION\n2\nENTITIES\n0\nMTEXT\n";
-  for (const std::string& v : values) file += "3\n" + v + "\n";
-  file += "0\nENDSEC\n0\nEOF\n";
-  auto doc = DxfReader::readBuffer(file, "long.dxf");
+  values.push_back("a CR of its own\r");
+  values.push_back(" \tblanks kept\t ");
+  std::string file = "0\r\nSECTION\r\n2\r\nENTITIES\r\n0\r\nMTEXT\r\n";
+  for (const std::string& v : values) file += "3\r\n" + v + "\r\n";
+  file += "310\r\n\r\n310\r\n" + std::string(510, 'E') + "\r\n70\r\n-2\r\n90\r\n70000\r\n";
+  file += "160\r\n-5000000000\r\n290\r\n1\r\n40\r\n0.5\r\n0\r\nENDSEC\r\n0\r\nEOF";
+  auto doc = DxfReader::readBuffer(file, "edges.dxf");
+  EXPECT_TRUE(DxfWriter(*doc).toBytes() == file);
+  EXPECT_EQ(doc->eofObject().type(), "EOF");
   DxfObject& mtext = doc->findSection("ENTITIES")->object(0);
   for (std::size_t i = 0; i < values.size(); ++i)
     EXPECT_EQ(mtext.rawValue(i + 1), values[i]) << "value " << i << " as read";
+
+  auto binary = DxfReader::readBuffer(DxfWriter(*doc, DxfFormat::kBinary).toBytes(), "edges.dxf");
+  EXPECT_EQ(DxfRoundTripCheck::checkValueExtents(*binary), "");
+  const DxfObject& numbers = binary->findSection("ENTITIES")->object(0);
+  const std::size_t chunks = values.size() + 1;
+  EXPECT_EQ(binary->binaryChunk(numbers.tag(chunks)), "");
+  EXPECT_EQ(binary->binaryChunk(numbers.tag(chunks + 1)), std::string(255, '\xEE'));
+  EXPECT_EQ(numbers.integer(chunks + 2), -2);
+  EXPECT_EQ(numbers.integer(chunks + 3), 70000);
+  EXPECT_EQ(numbers.integer(chunks + 4), -5000000000LL);
+  EXPECT_EQ(numbers.integer(chunks + 5), 1);
+  EXPECT_EQ(numbers.real(chunks + 6), 0.5);
+
+  // Set later, the values live in the pool, in reverse order so that each lands elsewhere.
   for (std::size_t i = 0; i < values.size(); ++i)
     mtext.setText(i + 1, OdString::fromUtf8(values[values.size() - 1 - i]));
   for (DxfFormat format : {DxfFormat::kAscii, DxfFormat::kBinary}) {
-    auto again = DxfReader::readBuffer(DxfWriter(*doc, format).toBytes(), "long.dxf");
+    auto again = DxfReader::readBuffer(DxfWriter(*doc, format).toBytes(), "edges.dxf");
     const DxfObject& reread = again->findSection("ENTITIES")->object(0);
-    ASSERT_EQ(reread.size(), values.size() + 1);
+    ASSERT_EQ(reread.size(), mtext.size());
     for (std::size_t i = 0; i < values.size(); ++i)
-      EXPECT_EQ(reread.rawValue(i + 1), values[values.size() - 1 - i]) << "value " << i;
+      EXPECT_EQ(again->stringBytes(reread.tag(i + 1)), values[values.size() - 1 - i])
+          << "value " << i;
   }
 }
 
