@@ -53,5 +53,16 @@ void DxfPageAllocator<T>::freeBytes(void* p, std::size_t bytes) noexcept {
     std::free(p);
 }
 
+template <typename T>
+void DxfPageAllocator<T>::releaseUnusedBytes(void* p, std::size_t usedBytes,
+                                             std::size_t bytes) noexcept {
+  if (!p || bytes < kLargeBlock) return;
+  constexpr std::uintptr_t kPage = 4096;
+  const auto start = reinterpret_cast<std::uintptr_t>(p);
+  const std::uintptr_t from = (start + usedBytes + kPage - 1) & ~(kPage - 1);
+  const std::uintptr_t to = start + roundUp(bytes);
+  if (from < to) ::madvise(reinterpret_cast<void*>(from), to - from, MADV_DONTNEED);
+}
+
 template class DxfPageAllocator<char>;
 template class DxfPageAllocator<DxfTag>;

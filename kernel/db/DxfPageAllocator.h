@@ -35,9 +35,19 @@ class DxfPageAllocator {
 
   friend bool operator==(const DxfPageAllocator&, const DxfPageAllocator&) noexcept { return true; }
 
+  // Gives the system back the pages of a block of `capacity` elements past its first `used`
+  // ones; the block stays valid, and those pages read as zero if touched again. A huge page
+  // is committed whole at its first touch, so without this the unused end of a block's last
+  // huge page (up to 2 MB) would stay resident for the block's life. Does nothing for a block
+  // from the heap.
+  static void releaseUnused(T* p, std::size_t used, std::size_t capacity) noexcept {
+    releaseUnusedBytes(p, used * sizeof(T), capacity * sizeof(T));
+  }
+
   // The untyped halves, shared by every element type.
   static void* allocateBytes(std::size_t bytes);
   static void freeBytes(void* p, std::size_t bytes) noexcept;
+  static void releaseUnusedBytes(void* p, std::size_t usedBytes, std::size_t bytes) noexcept;
 };
 
 // A whole file's bytes as DxfReader reads them.

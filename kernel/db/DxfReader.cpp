@@ -145,6 +145,7 @@ DxfFileBytes readWholeFile(const std::filesystem::path& path) {
     done += static_cast<std::size_t>(n);
   }
   bytes.resize(done);
+  DxfPageAllocator<char>::releaseUnused(bytes.data(), bytes.size(), bytes.capacity());
   return bytes;
 }
 
@@ -202,6 +203,9 @@ void DxfReader::parse() {
     parseAscii();
   }
   if (!sawEof_) failAt(bytes.size(), kNoCode, "unexpected end of file: the file has no 0/EOF");
+  // The reservation assumed the shortest tags; what real tags left untouched goes back.
+  DxfPageAllocator<DxfTag>::releaseUnused(doc_.tags_.data(), doc_.tags_.size(),
+                                          doc_.tags_.capacity());
   buildStructure();
   readHeaderVersion();
 }
