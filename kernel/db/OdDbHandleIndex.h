@@ -23,7 +23,7 @@ class OdDbHandleIndex {
   // above every handle of the table.
   std::uint64_t build(std::uint64_t next);
   // Indexes the stub at `position`, whose handle must be final and above every indexed
-  // one, as a handle from the seed is.
+  // one, as every handle the database gives out is.
   void add(std::size_t position);
   // The stub with `handle`, or null.
   OdDbStub* find(std::uint64_t handle) const noexcept;
