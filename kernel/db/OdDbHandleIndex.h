@@ -27,8 +27,6 @@ class OdDbHandleIndex {
   void add(std::size_t position);
   // The stub with `handle`, or null.
   OdDbStub* find(std::uint64_t handle) const noexcept;
-  // How many runs the index holds (for tests and benchmarks).
-  std::size_t runCount() const noexcept { return runs_.size(); }
 
  private:
   struct Run {
