@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdio>
 #include <exception>
+#include <optional>
+#include <string>
 
 #include "HostBuiltinCommands.h"
 #include "HostConfigTree.h"
@@ -147,6 +149,27 @@ bool HostApplication::fileExists(const OdString& path) {
 
 OdString HostApplication::fileNameOf(const OdString& path) {
   return HostPaths::fileNameOf(path);
+}
+
+std::vector<OdString> HostApplication::supportFolders() {
+  std::vector<OdString> folders;
+  std::optional<OdVariant> value = config_->getValue({"General"}, "SupportPath");
+  if (!value || value->varType() != OdVariant::kString) return folders;
+  const std::string list = value->getString().toUtf8();
+  std::size_t start = 0;
+  while (start <= list.size()) {
+    std::size_t end = list.find(';', start);
+    if (end == std::string::npos) end = list.size();
+    std::string folder = list.substr(start, end - start);
+    const auto first = folder.find_first_not_of(" \t");
+    const auto last = folder.find_last_not_of(" \t");
+    folder = first == std::string::npos ? std::string() : folder.substr(first, last - first + 1);
+    // A relative folder would depend on where the host was started.
+    if (!folder.empty() && std::filesystem::path(folder).is_absolute())
+      folders.push_back(OdString::fromUtf8(folder));
+    start = end + 1;
+  }
+  return folders;
 }
 
 OdString HostApplication::loginName() {

@@ -97,6 +97,9 @@ class HostApplication : public HostServices {
   bool showHelp(const OdString& topic) override;
   bool fileExists(const OdString& path) override;
   OdString fileNameOf(const OdString& path) override;
+  // From the configuration value "SupportPath" of the root key "General": folders separated
+  // by ';', blanks around each ignored, relative ones and empty ones left out.
+  std::vector<OdString> supportFolders() override;
   OdString loginName() override;
 
  private:

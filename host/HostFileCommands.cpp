@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <set>
 #include <string>
 #include <system_error>
@@ -12,9 +13,9 @@
 #include "HostApplication.h"
 #include "HostCommandRegistry.h"
 #include "HostSilentCheck.h"
-#include "OdDbDictionary.h"
-#include "OdDbXrecord.h"
+#include "OdDbDatabase.h"
 #include "OdError.h"
+#include "OdRxDynamicLinker.h"
 
 namespace {
 
@@ -39,26 +40,40 @@ OdString fromPath(const fs::path& path) {
   return OdString::fromUtf8(path.string());
 }
 
-// The standards files associated with the drawing: the dictionary "AcStStandard" of the
-// named-object dictionary holds one xrecord per file under the keys "0", "1", ..., the path
-// in its first buffer (group code 1). Anything else on the way is passed over: a package
-// simply carries no standards file it cannot name.
+// What a loaded module says about the standards files of a drawing, found by name like the
+// silent check (HostSilentCheck.h), so the host builds against no module and keeps no
+// knowledge of how a module stores its list:
+//   bool stFindStandardsFiles(OdDbDatabase*, OdArray<OdString>*)         the files, as found
+//   bool stWriteStandardsFiles(OdDbDatabase*, const OdArray<OdString>*)  a new list
+using FindStandards = bool (*)(OdDbDatabase*, OdArray<OdString>*);
+using WriteStandards = bool (*)(OdDbDatabase*, const OdArray<OdString>*);
+
+template <class Function>
+Function exported(const char* name) {
+  return reinterpret_cast<Function>(odrxDynamicLinker()->findSymbol(name));
+}
+
 std::vector<OdString> associatedStandards(OdDbDatabase* db) {
-  std::vector<OdString> files;
-  OdDbObjectId nodId = db->getNamedObjectsDictionaryId();
-  if (nodId.isNull()) return files;
-  OdDbDictionaryPtr nod = OdDbDictionary::cast(nodId.openObject().get());
-  if (!nod) return files;
-  OdDbDictionaryPtr list = OdDbDictionary::cast(nod->getAt(L"AcStStandard").openObject().get());
-  if (!list) return files;
-  for (std::uint32_t i = 0; i < list->numEntries(); ++i) {
-    OdDbObjectId entry = list->getAt(OdString::format(L"%d", int(i)));
-    OdDbXrecordPtr record = OdDbXrecord::cast(entry.openObject().get());
-    if (!record) continue;
-    OdResBufPtr chain = record->rbChain();
-    if (chain && chain->restype() == 1) files.push_back(chain->getString());
-  }
-  return files;
+  OdArray<OdString> files;
+  if (auto find = exported<FindStandards>("stFindStandardsFiles")) find(db, &files);
+  return std::vector<OdString>(files.begin(), files.end());
+}
+
+// The drawing as it goes into the package: naming the standards files packed beside it by
+// their bare names, so that the package finds them wherever it is unpacked. `packed` maps
+// each found path to its name in the package; files left out keep the full path they were
+// found at. The drawing that is open stays as it is.
+std::string packedDrawing(HostDocument& doc, const std::vector<OdString>& found,
+                          const std::vector<OdString>& packedNames) {
+  std::string bytes = doc.database()->writeBuffer();
+  auto write = exported<WriteStandards>("stWriteStandardsFiles");
+  if (found.empty() || !write) return bytes;
+  OdDbDatabasePtr copy = OdDbDatabase::readBuffer(bytes, doc.database()->getFilename().toUtf8());
+  OdArray<OdString> list;
+  for (std::size_t i = 0; i < found.size(); ++i)
+    list.push_back(packedNames[i].isEmpty() ? found[i] : packedNames[i]);
+  if (!write(copy.get(), &list)) return bytes;
+  return copy->writeBuffer();
 }
 
 // Writes `bytes` to `target` through a temporary file beside it, so that a failed write
@@ -82,6 +97,20 @@ void writeWhole(const fs::path& target, const std::string& bytes) {
     fs::remove(temp, ec);
     throw OdError(eFileWriteError, "cannot write " + target.string() + ": " + ec.message());
   }
+}
+
+// Copies `source` to `target` as writeWhole writes (a link at `target` is replaced, not
+// followed); the reason when it fails, else an empty text.
+OdString copyWhole(const fs::path& source, const fs::path& target) {
+  std::ifstream in(source, std::ios::binary);
+  std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  if (!in && !in.eof()) return L"cannot read it";
+  try {
+    writeWhole(target, bytes);
+  } catch (const OdError& e) {
+    return e.description();
+  }
+  return OdString();
 }
 
 class SaveCommand : public UICmdProcess {
@@ -139,14 +168,11 @@ class TransmitCommand : public UICmdProcess {
     bool complete = true;
     std::set<fs::path> taken;
     const fs::path drawingName = toPath(doc->title());
-    try {
-      writeWhole(folder / drawingName, doc->database()->writeBuffer());
-    } catch (const OdError& e) {
-      app().cmdPrintf(L"TRANSMIT: %ls\n", e.description().c_str());
-      return false;
-    }
     taken.insert(drawingName);
-    for (const OdString& standard : associatedStandards(doc->database())) {
+    const std::vector<OdString> found = associatedStandards(doc->database());
+    std::vector<OdString> packedNames(found.size());
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      const OdString& standard = found[i];
       const fs::path source = toPath(standard);
       const fs::path name = source.filename();
       if (!fs::is_regular_file(source, ec)) {
@@ -159,11 +185,20 @@ class TransmitCommand : public UICmdProcess {
             L"is not in it\n",
             standard.c_str());
         complete = false;
-      } else if (!fs::copy_file(source, folder / name, fs::copy_options::overwrite_existing, ec)) {
-        app().cmdPrintf(L"TRANSMIT: cannot copy standards file %ls: %s\n", standard.c_str(),
-                        ec.message().c_str());
+      } else if (const OdString failure = copyWhole(source, folder / name); !failure.isEmpty()) {
+        app().cmdPrintf(L"TRANSMIT: cannot copy standards file %ls: %ls\n", standard.c_str(),
+                        failure.c_str());
+        taken.erase(name);
         complete = false;
+      } else {
+        packedNames[i] = fromPath(name);
       }
+    }
+    try {
+      writeWhole(folder / drawingName, packedDrawing(*doc, found, packedNames));
+    } catch (const OdError& e) {
+      app().cmdPrintf(L"TRANSMIT: %ls\n", e.description().c_str());
+      return false;
     }
     app().cmdPrintf(L"TRANSMIT: %d file(s) in %ls\n", int(taken.size()), fromPath(folder).c_str());
     return complete;

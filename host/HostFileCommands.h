@@ -6,7 +6,11 @@ class HostCommandRegistry;
 //   SAVE             saves the current drawing to its file
 //   SAVEAS file      saves it under another name, which the document takes
 //   TRANSMIT folder  copies the drawing as it stands, with the standards files associated with
-//                    it, into the folder (made when missing): a package to hand on
+//                    it, into the folder (made when missing): a package to hand on. The
+//                    packed drawing names the packed standards files by their bare names, so
+//                    the package finds them where it is unpacked; the open drawing is left
+//                    as it is. The files are those a loaded module reports (see
+//                    HostFileCommands.cpp); with no such module only the drawing is packed.
 //   IMPORT, PLOT     say that this host has no importer of other formats and no plotter
 // Each first offers the loaded modules a silent standards check (HostSilentCheck) with its
 // own command bit, then does its work. A command that cannot do its work says why in one

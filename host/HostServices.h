@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "HostMessage.h"
 #include "OdResBuf.h"
 #include "OdResult.h"
@@ -82,6 +84,11 @@ class HostServices {
   virtual bool fileExists(const OdString& path) = 0;
   // The last component of a path, after the last '/' or '\'.
   virtual OdString fileNameOf(const OdString& path) = 0;
+  // The folders searched for support files (standards drawings named by a relative path,
+  // say) after the folder of the drawing that names them, in search order; empty when none
+  // are set. Each is an absolute path as the user gave it; folders that do not exist are
+  // listed all the same.
+  virtual std::vector<OdString> supportFolders() = 0;
   // The login name of the user.
   virtual OdString loginName() = 0;
 };

@@ -6,7 +6,7 @@
 #include "HeadlessHost.h"
 #include "HostConfigTree.h"
 #include "ModuleHost.h"
-#include "OdDbDictionary.h"
+#include "OdDbDatabase.h"
 #include "OdError.h"
 #include "OdRxClass.h"
 #include "ProblemReader.h"
@@ -18,6 +18,7 @@
 #include "StExports.h"
 #include "StManager.h"
 #include "StManagerCache.h"
+#include "StManagerImpl.h"
 #include "StManagerReactor.h"
 #include "StSettingsStorage.h"
 
@@ -47,7 +48,9 @@ class CountListener : public st::StManagerReactor {
                        std::uint32_t fixedManually, std::uint32_t ignored) override {
     counts = {found, fixedAutomatically, fixedManually, ignored};
   }
+  void missingStandardsFile() override { standardsUnusable = true; }
   ReportCounts counts;
+  bool standardsUnusable = false;
 };
 
 // Runs `undo` when the scope ends, whatever the way out.
@@ -63,20 +66,17 @@ class Finally {
   F undo_;
 };
 
-// Takes the association out of the drawing altogether, entries and dictionary, for a
-// drawing that had none before this run gave it one.
-void removeAssociation(OdDbDatabase* db) {
-  OdDbDictionaryPtr nod = db->getNamedObjectsDictionaryId().safeOpenObject(OdDb::kForWrite);
-  OdDbObjectId id = nod->getAt(L"AcStStandard");
-  if (id.isNull()) return;
-  {
-    OdDbDictionaryPtr list = id.safeOpenObject(OdDb::kForWrite);
-    std::vector<OdString> keys;
-    for (OdDbDictionaryIteratorPtr it = list->newIterator(); !it->done(); it->next())
-      keys.push_back(it->name());
-    for (const OdString& key : keys) list->remove(key);
+// Why the standards file `path` could not be used, in the reader's own words; empty when it
+// reads as a drawing.
+std::string unreadableReason(const std::string& path) {
+  try {
+    OdDbDatabase::readFile(path);
+  } catch (const OdError& e) {
+    return e.description().toUtf8();
+  } catch (const std::exception& e) {
+    return e.what();
   }
-  nod->remove(L"AcStStandard");
+  return std::string();
 }
 
 // A CAD user's backup name: the drawing's name with the extension ".bak".
@@ -118,47 +118,38 @@ DrawingReport CheckSession::check(const std::filesystem::path& drawing) {
 
 DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, DrawingReport& report) {
   std::filesystem::path absolute = std::filesystem::absolute(drawing);
-  std::vector<std::filesystem::path> standards;
-  for (const std::string& s : options_.standards) standards.push_back(std::filesystem::absolute(s));
+  OdArray<OdString> standards;
+  for (const std::string& s : options_.standards)
+    standards.push_back(OdString::fromUtf8(std::filesystem::absolute(s).string()));
 
   HostDocument* doc = module_->host().openDrawing(absolute);
-  // Standards paths stored relative to the drawing are found from the drawing's folder.
-  std::error_code ec;
-  std::filesystem::path cwd = std::filesystem::current_path(ec);
-  std::filesystem::current_path(absolute.parent_path(), ec);
-  Finally restore([&] {
-    if (!cwd.empty()) std::filesystem::current_path(cwd, ec);
-    module_->host().app().documents().closeDocument(doc, true);
-  });
+  Finally close([&] { module_->host().app().documents().closeDocument(doc, true); });
   OdDbDatabase* db = doc->database();
   st::StManagerCache* cache = st::stManagerCache();
   if (!cache) throw OdError(eNotInitializedYet, "the standards module has no manager cache");
 
-  // Standards named for this run replace the drawing's own list in memory only.
-  bool hadList = false;
-  OdArray<OdString> ownList;
-  st::StDbReaderWriterPtr association = st::StDbReaderWriter::createObject();
-  association->setDatabase(db);
-  if (!standards.empty()) {
-    hadList = association->hasStandardsEntry();
-    association->readStandardFiles(ownList);
-    OdArray<OdString> files;
-    for (const auto& s : standards) files.push_back(OdString::fromUtf8(s.string()));
-    association->writeStandardFiles(files);
-    cache->attachDatabase(db);
-  }
-
-  st::StManager* manager = cache->getManager(db);
+  // Standards named for this run stand in for the drawing's own list, which stays as it is;
+  // so drawings that cannot hold a list (release 12 and older) are checked too.
+  if (!standards.empty() && !cache->hasManager(db)) cache->attachDatabase(db);
+  auto* manager = dynamic_cast<st::StManagerImpl*>(cache->getManager(db));
   if (!manager) {
     report.error =
         "no standards files are associated with the drawing: name them with --standard, or "
         "associate them with 'stcheck standards DRAWING --add FILE'";
     return report;
   }
-  for (const OdString& file : manager->getStandardsFiles(db)) {
+  if (!standards.empty()) manager->setRunStandardsFiles(standards);
+  std::error_code ec;
+  for (const OdString& file : manager->standardsFilesFound()) {
     report.standards.push_back(file.toUtf8());
     if (!std::filesystem::is_regular_file(std::filesystem::path(file.toUtf8()), ec))
       report.missingStandards.push_back(file.toUtf8());
+  }
+  if (report.standards.empty()) {
+    report.error =
+        "the drawing's list of standards files is empty: add one with 'stcheck "
+        "standards DRAWING --add FILE', or name them with --standard";
+    return report;
   }
   if (!report.missingStandards.empty()) {
     report.error = "standards file not found: " + report.missingStandards.front();
@@ -183,6 +174,24 @@ DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, Draw
     });
     stCheckStandards();
   }
+  if (counts.standardsUnusable) {
+    // A file that was there but is no drawing stopped the check before any plug-in ran.
+    for (const std::string& file : report.standards) {
+      if (!std::filesystem::is_regular_file(file, ec)) {
+        report.error = "standards file not found: " + file;
+        return report;
+      }
+    }
+    for (const std::string& file : report.standards) {
+      std::string reason = unreadableReason(file);
+      if (reason.empty()) continue;
+      report.error = "cannot read standards file " + file + ": " + reason;
+      report.problems.clear();
+      return report;
+    }
+    report.error = "the standards files could not be read";
+    return report;
+  }
   // In a silent check the manager counts only what it fixed; the rest is counted here from
   // what it handed over.
   report.counts = counts.counts;
@@ -193,12 +202,6 @@ DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, Draw
   bool fixedSome = false;
   for (const ReportProblem& p : report.problems) fixedSome |= p.fixed;
   if (options_.fix && fixedSome) {
-    if (!standards.empty()) {
-      if (hadList)
-        association->writeStandardFiles(ownList);
-      else
-        removeAssociation(db);
-    }
     std::filesystem::path bak = backupPath(absolute);
     std::filesystem::copy_file(absolute, bak, std::filesystem::copy_options::overwrite_existing,
                                ec);

@@ -7,8 +7,11 @@
 
 #include "HeadlessHost.h"
 #include "ModuleHost.h"
+#include "OdDbDatabase.h"
 #include "OdError.h"
+#include "OdResBuf.h"
 #include "StDbReaderWriter.h"
+#include "StStandardsPaths.h"
 
 namespace stcheck {
 
@@ -36,12 +39,35 @@ fs::path resolved(const std::string& stored, const fs::path& drawingDir) {
   return (path.is_absolute() ? path : drawingDir / path).lexically_normal();
 }
 
+// Why `db` took no standards list: drawings before release 13 have no dictionaries to keep
+// one in, and a later drawing written without its objects section has none either.
+std::string whyNoList(OdDbDatabase& db, const std::string& drawing) {
+  OdResBufPtr version = db.getHeaderVariable(L"$ACADVER");
+  std::string name = version.isNull() ? std::string("no $ACADVER") : version->getString().toUtf8();
+  if (db.versionNumber() < 1012)
+    return drawing + " is a drawing of release 12 or older (" + name +
+           "), which cannot store a list of standards files; check it with 'stcheck check " +
+           drawing + " --standard FILE' instead";
+  return "cannot store the list of standards files in " + drawing +
+         ": the drawing has no named-object dictionary (it was written without an OBJECTS "
+         "section); check it with 'stcheck check " +
+         drawing + " --standard FILE' instead";
+}
+
 int runStandards(const StandardsOptions& options) {
   fs::path drawing = fs::absolute(options.drawing);
   fs::path dir = drawing.parent_path();
   for (const std::string& file : options.add) {
     if (!fs::is_regular_file(file)) {
       std::fprintf(stderr, "stcheck: standards file %s not found\n", file.c_str());
+      return 2;
+    }
+    // A standards file is a drawing; anything else would make every object non-standard.
+    try {
+      OdDbDatabase::readFile(file);
+    } catch (const OdError& e) {
+      std::fprintf(stderr, "stcheck: %s is not a standards drawing: %s\n", file.c_str(),
+                   e.description().toUtf8().c_str());
       return 2;
     }
   }
@@ -86,11 +112,12 @@ int runStandards(const StandardsOptions& options) {
       OdArray<OdString> list;
       for (const std::string& f : files) list.push_back(OdString::fromUtf8(f));
       if (!association->writeStandardFiles(list))
-        throw OdError(eInvalidInput, "cannot write the standards list of " + options.drawing);
+        throw OdError(eInvalidInput, whyNoList(*doc->database(), options.drawing));
       module.host().app().documents().saveDocument(doc);
     }
     for (const std::string& f : files) {
-      bool exists = fs::is_regular_file(resolved(f, dir));
+      const OdString found = st::StStandardsPaths::resolve(OdString::fromUtf8(f), doc->database());
+      bool exists = fs::is_regular_file(found.toUtf8());
       std::printf("%s%s\n", f.c_str(), exists ? "" : "  (not found)");
     }
     if (files.empty())

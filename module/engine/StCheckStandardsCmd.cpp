@@ -5,6 +5,7 @@
 #include "StAppServices.h"
 #include "StDialogs.h"
 #include "StManagerCache.h"
+#include "StStandardsPaths.h"
 #include "StStringTable.h"
 
 namespace st {
@@ -25,7 +26,7 @@ bool StCheckStandardsCmd::execute() {
     return false;
   }
   for (const OdString& file : files) {
-    if (!host->fileExists(file)) {
+    if (!host->fileExists(StStandardsPaths::resolve(file, db))) {
       offerConfigure(kStrMissingStandardsFile, kStrMissingStandardsFileCaption);
       return false;
     }

@@ -3,11 +3,13 @@
 #include "HostEntryPoints.h"
 #include "HostServices.h"
 #include "StAppServices.h"
+#include "StDbReaderWriter.h"
 #include "StDialogs.h"
 #include "StErrorAccumulatorImpl.h"
 #include "StManagerCache.h"
 #include "StManagerImpl.h"
 #include "StSettingsStorage.h"
+#include "StStandardsPaths.h"
 
 namespace {
 
@@ -71,4 +73,24 @@ bool stIsCheckAllowed(int commandMask) {
   if (commandMask == 0) return false;
   st::StSettingsStorage* settings = stSettingsStorage();
   return settings && (static_cast<unsigned>(commandMask) & settings->getAutoFixCommands()) != 0;
+}
+
+bool stFindStandardsFiles(OdDbDatabase* db, OdArray<OdString>* files) {
+  if (!db || !files) return false;
+  st::StManagerCache* cache = st::stManagerCache();
+  if (auto* manager = dynamic_cast<st::StManagerImpl*>(cache ? cache->getManager(db) : nullptr)) {
+    files->append(manager->standardsFilesFound());
+    return true;
+  }
+  st::StDbReaderWriterPtr reader = st::StDbReaderWriter::createObject();
+  OdArray<OdString> stored;
+  if (reader->setDatabase(db)) reader->readStandardFiles(stored);
+  for (const OdString& file : stored) files->push_back(st::StStandardsPaths::resolve(file, db));
+  return true;
+}
+
+bool stWriteStandardsFiles(OdDbDatabase* db, const OdArray<OdString>* files) {
+  if (!db || !files) return false;
+  st::StDbReaderWriterPtr writer = st::StDbReaderWriter::createObject();
+  return writer->setDatabase(db) && writer->writeStandardFiles(*files);
 }

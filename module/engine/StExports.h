@@ -1,6 +1,10 @@
 #pragma once
 
+#include "OdArray.h"
+#include "OdString.h"
 #include "StExport.h"
+
+class OdDbDatabase;
 
 // The module's plain exported functions, which a host finds by name in the loaded module
 // (stIsDatabaseHasAttachedStandards, the third of them, is in StAttachedStandards.h).
@@ -17,4 +21,12 @@ ST_EXPORT void stCheckStandards();
 // (StCheckCommand bits): the host then runs stCheckStandards before that command. Always
 // false for a mask of 0.
 ST_EXPORT bool stIsCheckAllowed(int commandMask);
+// Appends to `files` the standards files a check of `db` reads, each as found (see
+// st::StStandardsPaths): those its check manager was given for the run, else those
+// associated with the drawing. False when `db` or `files` is null.
+ST_EXPORT bool stFindStandardsFiles(OdDbDatabase* db, OdArray<OdString>* files);
+// Replaces the standards files associated with `db` (an open drawing or a database read for
+// a package) by `files`, stored as given. False when `db` or `files` is null or the drawing
+// cannot hold an association (it has no named-object dictionary).
+ST_EXPORT bool stWriteStandardsFiles(OdDbDatabase* db, const OdArray<OdString>* files);
 }

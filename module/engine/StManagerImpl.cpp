@@ -15,6 +15,7 @@
 #include "StPluginRegistrator.h"
 #include "StRecordLookup.h"
 #include "StSettingsStorage.h"
+#include "StStandardsPaths.h"
 #include "StStringTable.h"
 #include "StTableProxyImpl.h"
 
@@ -177,21 +178,43 @@ StEnumDWSPluginPtr StManagerImpl::getPlugins() {
 
 // ---- a check
 
+void StManagerImpl::setRunStandardsFiles(const OdArray<OdString>& files) {
+  runList_ = files;
+  runListSet_ = true;
+}
+
+void StManagerImpl::clearRunStandardsFiles() {
+  runList_.clear();
+  runListSet_ = false;
+}
+
+OdArray<OdString> StManagerImpl::standardsFilesFound() {
+  OdArray<OdString> found;
+  for (const OdString& stored : runListSet_ ? runList_ : getStandardsFiles(db_.get()))
+    found.push_back(StStandardsPaths::resolve(stored, db_.get()));
+  return found;
+}
+
 void StManagerImpl::setUp() {
   OdArray<OdString> names;
   OdArray<OdDbDatabase*> databases;
   std::vector<OdDbDatabasePtr> held;
   bool missing = false;
   HostServices* host = hostServices();
-  for (const OdString& path : getStandardsFiles(db_.get())) {
+  for (const OdString& path : standardsFilesFound()) {
     // Without a host nothing can be read: every file counts as missing.
     if (!host || !host->fileExists(path)) {
       missing = true;
       continue;
     }
-    // A file that is there but does not read is reported by the host and left out.
+    // A file that is there but is no drawing (the host says why on the command line) stops
+    // the check as a missing one does: checking against less than the whole standard would
+    // report conforming objects as non-standard.
     OdDbDatabasePtr standard = host->readDrawingFile(path, false, false, kHostShareDenyNone);
-    if (standard.isNull()) continue;
+    if (standard.isNull()) {
+      missing = true;
+      continue;
+    }
     held.push_back(standard);
     databases.append(standard.get());
     names.append(getFileName(path, true));

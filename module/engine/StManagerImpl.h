@@ -88,10 +88,21 @@ class ST_EXPORT StManagerImpl : public StManager,
   // made, and drops every plug-in the registry has switched off; plug-ins the registry does
   // not know (registered directly) stay. Then, when attached and idle, restartCheck, so
   // that the plug-ins know the drawing and its standards files for watching (which tells
-  // the listeners standardsChanged, or missingStandardsFile when a file is missing).
+  // the listeners standardsChanged, or missingStandardsFile when a file is missing
+  // or is not a drawing).
   void refresh();
   // The drawing attached, or null.
   OdDbDatabase* database() const noexcept { return db_.get(); }
+
+  // Standards files for the checks of this run instead of those associated with the drawing
+  // (which stays as it is): for a drawing that cannot hold an association (release 12 and
+  // older, or one without an objects section) or a check against other standards once. They
+  // take effect at the next set-up; clearRunStandardsFiles goes back to the association.
+  void setRunStandardsFiles(const OdArray<OdString>& files);
+  void clearRunStandardsFiles();
+  // The standards files the next set-up reads, each as found (StStandardsPaths): those of
+  // the run when set, else those associated with the attached drawing; empty when neither.
+  OdArray<OdString> standardsFilesFound();
 
   // True when no check runs.
   bool isIdle() const noexcept { return idle_; }
@@ -134,6 +145,8 @@ class ST_EXPORT StManagerImpl : public StManager,
   // The standards drawings read by the last set-up, their file names and the drawings
   // themselves as handed to the plug-ins (the references keep those pointers valid).
   OdArray<OdString> runFileNames_;
+  bool runListSet_ = false;
+  OdArray<OdString> runList_;
   OdArray<OdDbDatabase*> runDatabases_;
   std::vector<OdDbDatabasePtr> runHeld_;
   std::vector<StManagerReactor*> reactors_;

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 using entrytest::ModuleHost;
 
 OdResult codeThrownBy(void (*action)()) {
@@ -80,6 +82,59 @@ TEST(StExports, AnswerWithoutAndWithSettings) {
             reinterpret_cast<void*>(&stIsCheckAllowed));
   EXPECT_EQ(odrxDynamicLinker()->findSymbol("stCheckStandards"),
             reinterpret_cast<void*>(&stCheckStandards));
+}
+
+}  // namespace
+
+namespace {
+
+// The standards files a drawing file names, as stored.
+std::vector<std::string> storedList(const fs::path& file) {
+  OdDbDatabasePtr db = OdDbDatabase::readFile(file);
+  st::StDbReaderWriterPtr list = st::StDbReaderWriter::createObject();
+  list->setDatabase(db.get());
+  OdArray<OdString> files;
+  list->readStandardFiles(files);
+  std::vector<std::string> out;
+  for (const OdString& f : files) out.push_back(f.toUtf8());
+  return out;
+}
+
+TEST(StExports, TransmitPacksTheStandardsFoundAndTheDrawingNamesThemBesideItself) {
+  ModuleHost m;
+  const fs::path project = m.dir.path() / "project";
+  fs::create_directories(project / "std");
+  fs::create_directories(m.dir.path() / "elsewhere");
+  entrytest::writeDrawing(project / "std" / "office.dws");
+  const fs::path twin = entrytest::writeDrawing(m.dir.path() / "elsewhere" / "office.dws");
+  const fs::path gone = m.dir.path() / "gone.dws";
+  // Relative paths as stored by a user: found from the drawing's folder, wherever the host
+  // was started.
+  const std::vector<fs::path> stored{"std/office.dws", gone, twin};
+  const fs::path plan = entrytest::writeDrawing(project / "plan.dxf", &stored);
+  m.host.openDrawing(plan);
+
+  OdArray<OdString> found;
+  ASSERT_TRUE(stFindStandardsFiles(m.host.currentDocument()->database(), &found));
+  ASSERT_EQ(found.size(), 3u);
+  EXPECT_EQ(found[0].toUtf8(), (project / "std" / "office.dws").string());
+  EXPECT_FALSE(stFindStandardsFiles(nullptr, &found));
+
+  const fs::path package = m.dir.path() / "package";
+  m.host.submit(OdString::fromUtf8("TRANSMIT " + package.string() + " "));
+  const std::string& out = m.output();
+  EXPECT_TRUE(fs::is_regular_file(package / "office.dws")) << out;
+  EXPECT_EQ(std::distance(fs::directory_iterator(package), fs::directory_iterator()), 2);
+  EXPECT_NE(out.find("standards file " + gone.string() + " is missing"), std::string::npos) << out;
+  EXPECT_NE(out.find("standards file " + twin.string() + " has the name of another file"),
+            std::string::npos)
+      << out;
+  // The package names its own copy; what it could not carry keeps the full path it had.
+  EXPECT_EQ(storedList(package / "plan.dxf"),
+            (std::vector<std::string>{"office.dws", gone.string(), twin.string()}));
+  // The open drawing, and its file, still name what they named.
+  EXPECT_EQ(storedList(plan),
+            (std::vector<std::string>{"std/office.dws", gone.string(), twin.string()}));
 }
 
 }  // namespace

@@ -1,0 +1,159 @@
+// How stcheck finds and reads the standards files of a drawing, run as a user runs it: every
+// real drawing against a copy of itself, drawings that cannot hold a list of standards,
+// standards files that are not drawings, and lists of relative paths found from the drawing's
+// folder and the host's support folders wherever stcheck is started.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "TestSupport.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testsupport::ProcessResult;
+using testsupport::runCommand;
+using testsupport::shellQuote;
+
+std::string readBytes(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// stcheck started in `cwd` with the configuration file `config`.
+ProcessResult stcheckIn(const fs::path& cwd, const fs::path& config,
+                        const std::vector<std::string>& args) {
+  std::string line = "cd " + shellQuote(cwd.string()) +
+                     " && STAUDIT_CONFIG=" + shellQuote(config.string()) + " " +
+                     shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
+  for (const auto& a : args) line += " " + shellQuote(a);
+  return runCommand(line);
+}
+
+TEST(StcheckStandardsFiles, EveryCorpusDrawingMeetsACopyOfItself) {
+  if (testsupport::corpusDir().empty()) GTEST_SKIP() << "no corpus at " << STAUDIT_CORPUS_DIR;
+  testsupport::TempDir temp;
+  const fs::path config = temp.path() / "config.json";
+  int checked = 0;
+  for (const fs::path& drawing : testsupport::corpusDrawings()) {
+    // Drawings broken on purpose are the reader's tests; every other one must be read.
+    const std::string name = drawing.filename().string();
+    if (stcheckIn(temp.path(), config, {"info", drawing.string()}).exitCode != 0) {
+      EXPECT_TRUE(name.rfind("bad_", 0) == 0 || name.rfind("preR12_r1.4", 0) == 0) << name;
+      continue;
+    }
+    const fs::path standard = temp.path() / (drawing.stem().string() + ".dws");
+    fs::copy_file(drawing, standard, fs::copy_options::overwrite_existing);
+    auto run = stcheckIn(temp.path(), config,
+                         {"check", drawing.string(), "--standard", standard.string()});
+    EXPECT_EQ(run.exitCode, 0) << drawing.filename() << "\n" << run.output;
+    ++checked;
+  }
+  EXPECT_GT(checked, 100);
+}
+
+TEST(StcheckStandardsFiles, OldDrawingsAreCheckedAgainstStandardsOfTheRunOnly) {
+  if (testsupport::corpusDir().empty()) GTEST_SKIP() << "no corpus at " << STAUDIT_CORPUS_DIR;
+  testsupport::TempDir temp;
+  const fs::path config = temp.path() / "config.json";
+  const fs::path r12 = temp.path() / "meter.dxf";
+  fs::copy_file(testsupport::corpusDir() / "r12_ezdxf_laser_meter_export.dxf", r12);
+  const std::string original = readBytes(r12);
+  fs::copy_file(fs::path(STAUDIT_SOURCE_DIR) / "examples/office-standards.dws",
+                temp.path() / "office.dws");
+
+  // Against other standards, its own layers are non-standard, and a check leaves it as it was.
+  auto run = stcheckIn(temp.path(), config, {"check", "meter.dxf", "--standard", "office.dws"});
+  EXPECT_EQ(run.exitCode, 1) << run.output;
+  EXPECT_NE(run.output.find("non-standard name"), std::string::npos) << run.output;
+  EXPECT_EQ(readBytes(r12), original);
+
+  // It cannot keep a list, and stcheck says why and what to do instead.
+  run = stcheckIn(temp.path(), config, {"standards", "meter.dxf", "--add", "office.dws"});
+  EXPECT_EQ(run.exitCode, 2) << run.output;
+  EXPECT_NE(run.output.find("release 12 or older (AC1009)"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("--standard"), std::string::npos) << run.output;
+  EXPECT_EQ(readBytes(r12), original);
+}
+
+TEST(StcheckStandardsFiles, AStandardsFileThatIsNoDrawingStopsTheCheckAsAMissingOneDoes) {
+  testsupport::TempDir temp;
+  const fs::path config = temp.path() / "config.json";
+  const fs::path examples = fs::path(STAUDIT_SOURCE_DIR) / "examples";
+  fs::copy_file(examples / "floor-plan.dxf", temp.path() / "plan.dxf");
+  fs::copy_file(examples / "office-standards.dws", temp.path() / "office.dws");
+  std::ofstream(temp.path() / "empty.dws").close();
+  std::ofstream(temp.path() / "notes.dws") << "the office standard is in the binder\n";
+  std::string cut = readBytes(examples / "office-standards.dws");
+  std::ofstream(temp.path() / "cut.dws", std::ios::binary) << cut.substr(0, cut.size() / 2);
+
+  for (const char* bad : {"empty.dws", "notes.dws", "cut.dws"}) {
+    const std::string full = (temp.path() / bad).string();
+    auto run = stcheckIn(temp.path(), config,
+                         {"check", "plan.dxf", "--standard", "office.dws", "--standard", bad,
+                          "--format", "json", "-o", "r.json"});
+    EXPECT_EQ(run.exitCode, 2) << bad << ": " << run.output;
+    auto report = testsupport::runCommand(
+        std::string(STAUDIT_PYTHON) +
+        " -c 'import json,sys; d=json.load(open(sys.argv[1]))[\"drawings\"][0];"
+        " print(d[\"error\"]); print(len(d[\"problems\"]))' " +
+        shellQuote((temp.path() / "r.json").string()));
+    EXPECT_NE(report.output.find("cannot read standards file " + full + ": "), std::string::npos)
+        << report.output;
+    EXPECT_NE(report.output.find("\n0\n"), std::string::npos) << report.output;
+
+    run = stcheckIn(temp.path(), config, {"standards", "plan.dxf", "--add", bad});
+    EXPECT_EQ(run.exitCode, 2) << run.output;
+    EXPECT_NE(run.output.find(std::string(bad) + " is not a standards drawing"), std::string::npos)
+        << run.output;
+  }
+  EXPECT_EQ(readBytes(temp.path() / "plan.dxf"), readBytes(examples / "floor-plan.dxf"));
+}
+
+TEST(StcheckStandardsFiles, RelativePathsAreFoundFromTheDrawingThenTheSupportFolders) {
+  testsupport::TempDir temp;
+  const fs::path config = temp.path() / "config.json";
+  const fs::path examples = fs::path(STAUDIT_SOURCE_DIR) / "examples";
+  fs::create_directories(temp.path() / "project/std");
+  fs::create_directories(temp.path() / "office");
+  fs::create_directories(temp.path() / "elsewhere");
+  fs::copy_file(examples / "floor-plan.dxf", temp.path() / "project/plan.dxf");
+  fs::copy_file(examples / "office-standards.dws", temp.path() / "project/std/office.dws");
+  fs::copy_file(examples / "site-standards.dws", temp.path() / "office/site.dws");
+
+  auto run = stcheckIn(temp.path() / "project", config,
+                       {"standards", "plan.dxf", "--clear", "--add", "std/office.dws"});
+  ASSERT_EQ(run.exitCode, 0) << run.output;
+  // Started from another folder, the check finds the file beside the drawing.
+  run = stcheckIn(temp.path() / "elsewhere", config,
+                  {"check", "../project/plan.dxf", "--format", "json", "-o", "r.json"});
+  EXPECT_EQ(run.exitCode, 1) << run.output;
+  EXPECT_NE(readBytes(temp.path() / "elsewhere/r.json")
+                .find("\"" + (temp.path() / "project/std/office.dws").string() + "\""),
+            std::string::npos);
+
+  // A file named only by its name, not beside the drawing, is looked for in the support
+  // folders; until they name its folder it is missing where the drawing is.
+  std::ofstream(config) << R"({"format": 1, "root": {"keys": {"General": {"keys": {},
+      "values": {"SupportPath": {"string": "/nonexistent ; )"
+                        << (temp.path() / "office").string()
+                        << R"("}}}, "cmddata": {"keys": {}, "values": {}}}, "values": {}}})";
+  const fs::path unset = temp.path() / "unset.json";
+  // Stored by its bare name, as a drawing made in another office names it.
+  fs::copy_file(temp.path() / "office/site.dws", temp.path() / "project/site.dws");
+  run = stcheckIn(temp.path() / "project", unset, {"standards", "plan.dxf", "--add", "site.dws"});
+  ASSERT_EQ(run.exitCode, 0) << run.output;
+  fs::remove(temp.path() / "project/site.dws");
+
+  run = stcheckIn(temp.path() / "elsewhere", unset, {"check", "../project/plan.dxf"});
+  EXPECT_EQ(run.exitCode, 2) << run.output;
+  EXPECT_NE(run.output.find((temp.path() / "project/site.dws").string()), std::string::npos)
+      << run.output;
+  run = stcheckIn(temp.path() / "elsewhere", config, {"check", "../project/plan.dxf"});
+  EXPECT_EQ(run.exitCode, 1) << run.output;
+  EXPECT_EQ(run.output.find("not found"), std::string::npos) << run.output;
+}
+
+}  // namespace
