@@ -41,7 +41,9 @@ std::size_t StNameDistance::to(std::wstring_view other) const {
   std::uint64_t down = 0;
   std::size_t score = m;
   for (const wchar_t c : other) {
-    const std::uint64_t equal = positionsOf(c);
+    const std::uint64_t equal = static_cast<std::uint32_t>(c) < ascii_.size()
+                                    ? ascii_[static_cast<std::size_t>(c)]
+                                    : positionsOf(c);
     const std::uint64_t xv = equal | down;
     const std::uint64_t xh = (((equal & up) + up) ^ up) | equal;
     std::uint64_t hUp = down | ~(xh | up);
