@@ -1,6 +1,7 @@
 #include "StSymbolTablePlugin.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "OdDbSymbolTable.h"
 #include "OdError.h"
@@ -8,6 +9,7 @@
 #include "StAppServices.h"
 #include "StErrorFlags.h"
 #include "StIgnoreMarks.h"
+#include "StNameDistance.h"
 #include "StRecordLookup.h"
 #include "StSettingsStorage.h"
 #include "StStandardPropertyFormatter.h"
@@ -215,11 +217,9 @@ bool StSymbolTablePlugin::findPropertyError(OdDbSymbolTableRecord& record,
                        kind_.c_str(), name.c_str()),
       listed);
   const int preferred = preferredStandard();
-  finding.recommended = 0;
-  for (std::size_t i = 0; i < finding.holders.size(); ++i)
-    if (static_cast<int>(finding.holders[i].standard) == preferred)
-      finding.recommended = static_cast<int>(i);
-  finding.recommendedSource = finding.holders[static_cast<std::size_t>(finding.recommended)];
+  finding.recommendedSource = finding.holders.front();
+  for (const FixSource& holder : finding.holders)
+    if (static_cast<int>(holder.standard) == preferred) finding.recommendedSource = holder;
   return true;
 }
 
@@ -234,6 +234,7 @@ void StSymbolTablePlugin::findNameError(OdDbSymbolTableRecord& record,
       OdString::format(L"No standards file has a %ls called \"%ls\".", kind_.c_str(), name.c_str()),
       listed);
   for (const auto& entry : listed) finding.names.push_back(entry.first);
+  finding.name = name;
   finding.everyCandidate = true;
 
   // A recommendation only with confidence: the same name ignoring case, or else a single
@@ -243,47 +244,38 @@ void StSymbolTablePlugin::findNameError(OdDbSymbolTableRecord& record,
   OdString lower = name;
   lower.makeLower();
   const OdString loose = looseName(name);
-  int exact = -1;
-  FixSource exactSource;
-  int close = -1;
-  FixSource closeSource;
+  std::optional<FixSource> exact;
+  std::optional<FixSource> close;
   OdString closeName;
   bool ambiguous = false;
-  std::size_t offset = 0;
+  std::size_t count = 0;
   for (std::size_t s = 0; s < standards_.size(); ++s) {
     const Candidates& list = candidates(s);
     const bool preferredFile = static_cast<int>(s) == preferred;
     if (auto it = list.byLowerName.find(lower); it != list.byLowerName.end()) {
-      if (exact < 0 || preferredFile) {
-        exact = static_cast<int>(offset + it->second.front());
-        exactSource = list.records[it->second.front()];
-      }
+      if (!exact || preferredFile) exact = list.records[it->second.front()];
     }
     if (auto it = list.byLooseName.find(loose); it != list.byLooseName.end()) {
       for (std::size_t index : it->second) {
         OdString candidate = list.records[index].name;
         candidate.makeLower();
-        if (close >= 0 && candidate != closeName) ambiguous = true;
-        if (close < 0 || preferredFile) {
-          close = static_cast<int>(offset + index);
-          closeSource = list.records[index];
+        if (close && candidate != closeName) ambiguous = true;
+        if (!close || preferredFile) {
+          close = list.records[index];
           closeName = candidate;
         }
       }
     }
-    offset += list.records.size();
+    count += list.records.size();
   }
-  if (offset == 0) {  // nothing to replace it with: still reported, but not fixable
+  if (count == 0) {  // nothing to replace it with: still reported, but not fixable
     finding.error->setFlags((finding.error->flags() & ~kStErrorFixable) | kStErrorAlwaysReported);
     return;
   }
-  if (exact >= 0) {
-    finding.recommended = exact;
-    finding.recommendedSource = exactSource;
-  } else if (close >= 0 && !ambiguous) {
-    finding.recommended = close;
-    finding.recommendedSource = closeSource;
-  }
+  if (exact)
+    finding.recommendedSource = exact;
+  else if (close && !ambiguous)
+    finding.recommendedSource = close;
 }
 
 StErrorPtr StSymbolTablePlugin::newError(OdDbSymbolTableRecord& record, std::uint64_t tag,
@@ -321,14 +313,61 @@ StFixPtr StSymbolTablePlugin::newFix(const FixSource& source, const std::vector<
 void StSymbolTablePlugin::buildFixes(Finding& finding) {
   if (finding.built) return;
   finding.built = true;
-  if (!finding.everyCandidate) {
-    for (const FixSource& holder : finding.holders)
-      finding.fixes.push_back(newFix(holder, finding.names));
-    return;
+  std::size_t total = 0;
+  for (const FixSource* source :
+       rankedSources(finding, std::numeric_limits<std::size_t>::max(), total)) {
+    if (finding.recommendedSource && source->id == finding.recommendedSource->id)
+      finding.recommended = static_cast<int>(finding.fixes.size());
+    finding.fixes.push_back(newFix(*source, finding.names));
   }
-  for (std::size_t s = 0; s < standards_.size(); ++s)
-    for (const FixSource& candidate : candidates(s).records)
-      finding.fixes.push_back(newFix(candidate, finding.names));
+}
+
+std::vector<const StSymbolTablePlugin::FixSource*> StSymbolTablePlugin::rankedSources(
+    const Finding& finding, std::size_t limit, std::size_t& total) {
+  std::vector<const FixSource*> ranked;
+  if (!finding.everyCandidate) {
+    // Every holder has the record's own name: standards-file order is their rank.
+    total = finding.holders.size();
+    for (std::size_t i = 0; i < finding.holders.size() && i < limit; ++i)
+      ranked.push_back(&finding.holders[i]);
+  } else {
+    struct Rank {
+      bool differs;  // not equal ignoring case and separators
+      std::size_t distance;
+      const FixSource* source;
+    };
+    OdString lower = finding.name;
+    lower.makeLower();
+    const std::wstring loose = looseName(finding.name).str();
+    const StNameDistance distance(lower.str());
+    std::vector<Rank> ranks;
+    for (std::size_t s = 0; s < standards_.size(); ++s) {
+      const Candidates& list = candidates(s);
+      for (std::size_t i = 0; i < list.records.size(); ++i)
+        ranks.push_back(
+            {list.looseNames[i] != loose, distance.to(list.lowerNames[i]), &list.records[i]});
+    }
+    total = ranks.size();
+    const auto before = [](const Rank& a, const Rank& b) {
+      if (a.differs != b.differs) return b.differs;
+      if (a.distance != b.distance) return a.distance < b.distance;
+      if (a.source->standard != b.source->standard) return a.source->standard < b.source->standard;
+      return a.source->name.str() < b.source->name.str();
+    };
+    // A report wants the first few of thousands: only those are put in order.
+    const auto end = ranks.begin() + static_cast<std::ptrdiff_t>(std::min(limit, ranks.size()));
+    if (end == ranks.end())
+      std::sort(ranks.begin(), ranks.end(), before);
+    else
+      std::partial_sort(ranks.begin(), end, ranks.end(), before);
+    for (auto it = ranks.begin(); it != end; ++it) ranked.push_back(it->source);
+  }
+  if (finding.recommendedSource && !ranked.empty() &&
+      std::none_of(ranked.begin(), ranked.end(), [&](const FixSource* source) {
+        return source->id == finding.recommendedSource->id;
+      }))
+    ranked.back() = &*finding.recommendedSource;
+  return ranked;
 }
 
 const StSymbolTablePlugin::Candidates& StSymbolTablePlugin::candidates(std::size_t standard) {
@@ -348,8 +387,11 @@ const StSymbolTablePlugin::Candidates& StSymbolTablePlugin::candidates(std::size
         list->records.push_back({standard, it->getRecordId(), record->getName(), properties});
         OdString lower = record->getName();
         lower.makeLower();
+        const OdString loose = looseName(record->getName());
+        list->lowerNames.push_back(lower.str());
+        list->looseNames.push_back(loose.str());
         list->byLowerName[lower].push_back(index);
-        list->byLooseName[looseName(record->getName())].push_back(index);
+        list->byLooseName[loose].push_back(index);
       }
     }
     candidates_[standard] = std::move(list);
@@ -371,21 +413,43 @@ bool StSymbolTablePlugin::isStandard(OdDbDatabase* db) const {
   return false;
 }
 
+StSymbolTablePlugin::Finding* StSymbolTablePlugin::findingFor(StError* error, Finding& other) {
+  if (!error) return nullptr;
+  if (error == current_.error.get()) return &current_;
+  if (!evaluate(error->objectId(), other) || other.error->tag() != error->tag()) return nullptr;
+  return &other;
+}
+
 void StSymbolTablePlugin::getAllFixes(StError* error, OdArray<StFixPtr>& fixes,
                                       int& recommendedIndex) {
   recommendedIndex = -1;
-  if (!error) return;
-  if (error == current_.error.get()) {
-    buildFixes(current_);
-    fixes = current_.fixes;
-    recommendedIndex = current_.recommended;
-    return;
+  Finding other;
+  Finding* finding = findingFor(error, other);
+  if (!finding) return;
+  buildFixes(*finding);
+  fixes = finding->fixes;
+  recommendedIndex = finding->recommended;
+}
+
+void StSymbolTablePlugin::getFirstFixes(StError* error, unsigned limit, OdArray<StFixPtr>& fixes,
+                                        int& recommendedIndex, unsigned& total) {
+  fixes.clear();
+  recommendedIndex = -1;
+  total = 0;
+  Finding other;
+  Finding* finding = findingFor(error, other);
+  if (!finding) return;
+  std::size_t all = 0;
+  for (const FixSource* source : rankedSources(*finding, limit, all)) {
+    if (finding->recommendedSource && source->id == finding->recommendedSource->id)
+      recommendedIndex = static_cast<int>(fixes.size());
+    // The list's own fix when it was made, so that both name the same object.
+    StFixPtr made;
+    for (const StFixPtr& fix : finding->fixes)
+      if (fix->objectId() == source->id) made = fix;
+    fixes.push_back(made.isNull() ? newFix(*source, finding->names) : made);
   }
-  Finding finding;
-  if (!evaluate(error->objectId(), finding) || finding.error->tag() != error->tag()) return;
-  buildFixes(finding);
-  fixes = finding.fixes;
-  recommendedIndex = finding.recommended;
+  total = static_cast<unsigned>(all);
 }
 
 void StSymbolTablePlugin::getPropertyDiffs(StError* error, StFix* fix,
@@ -407,18 +471,13 @@ void StSymbolTablePlugin::getPropertyDiffs(StError* error, StFix* fix,
 }
 
 StFixPtr StSymbolTablePlugin::getRecommendedFix(StError* error) {
-  if (!error) return StFixPtr();
   Finding other;
-  Finding* finding = &current_;
-  if (error != current_.error.get()) {
-    if (!evaluate(error->objectId(), other) || other.error->tag() != error->tag())
-      return StFixPtr();
-    finding = &other;
-  }
-  if (finding->recommended < 0) return StFixPtr();
+  Finding* finding = findingFor(error, other);
+  if (!finding || !finding->recommendedSource) return StFixPtr();
   // The list's own fix when it was made, so that both name the same object.
-  if (finding->built) return finding->fixes[static_cast<unsigned>(finding->recommended)];
-  return newFix(finding->recommendedSource, finding->names);
+  if (finding->built && finding->recommended >= 0)
+    return finding->fixes[static_cast<unsigned>(finding->recommended)];
+  return newFix(*finding->recommendedSource, finding->names);
 }
 
 void StSymbolTablePlugin::fixError(StError* error, StFix* fix) {

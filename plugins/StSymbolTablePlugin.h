@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "OdDbDatabase.h"
 #include "OdDbSymbolTableRecord.h"
 #include "StDWSPluginImplBase.h"
+#include "StRankedFixes.h"
 #include "StReferenceIndex.h"
 
 namespace st {
@@ -27,9 +29,12 @@ using StPropertyList = std::vector<std::pair<OdString, OdVariant>>;
 //  - no standards file has its name (and it is not a reserved record, see isReserved): an
 //    error tagged kTagNonStandardName whose fixes are every record of the kind in every
 //    standards file, one recommended only when a single standard name matches it ignoring
-//    case and separators; fixing moves every reference to the chosen standard record
-//    (copied in when the drawing lacks it), header variables included, and erases the old
-//    record once nothing refers to it: not the header, not an entity or sub-entity, not an
+//    case and separators. These fixes come ranked by how close their names are to the
+//    record's: first those equal to it ignoring case and separators (blanks, '-', '_', '.'),
+//    then by edit distance of the case-folded names, ties by standards-file order and then
+//    name. getFirstFixes makes only the first of them; fixing moves every reference to the chosen
+//    standard record (copied in when the drawing lacks it), header variables included, and erases
+//    the old record once nothing refers to it: not the header, not an entity or sub-entity, not an
 //    object that names it by handle (such a record is kept and the fix still succeeds).
 // Errors carry kStErrorIgnored when the record has an ignore mark and kStErrorFixable when
 // they have fixes (kStErrorAlwaysReported when they have none); a fix that succeeds sets
@@ -40,7 +45,7 @@ using StPropertyList = std::vector<std::pair<OdString, OdVariant>>;
 //
 // A derived plug-in names its table, reads and applies properties, copies records in and
 // lists the references to its records; everything else happens here.
-class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin> {
+class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin>, public StRankedFixes {
  public:
   static constexpr std::uint64_t kTagProperties = 1;
   static constexpr std::uint64_t kTagNonStandardName = 2;
@@ -60,6 +65,8 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin> {
                         OdArray<OdVariant>& currentValues,
                         OdArray<OdVariant> standardValues) override;
   StFixPtr getRecommendedFix(StError* error) override;
+  void getFirstFixes(StError* error, unsigned limit, OdArray<StFixPtr>& fixes,
+                     int& recommendedIndex, unsigned& total) override;
   // Applies a fix of an error of this plug-in; an error or fix of another origin, a record
   // that is gone or a change the drawing refuses leaves the error unfixed.
   void fixError(StError* error, StFix* fix) override;
@@ -113,18 +120,22 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin> {
   // fix needs only the recommended one.
   struct Finding {
     StErrorPtr error;
+    OdString name;                   // the record's, which name errors rank candidates by
     std::vector<OdString> names;     // the properties each fix carries, as the error lists them
     std::vector<FixSource> holders;  // property errors: the files holding the name
     bool everyCandidate = false;     // name errors: every candidate of every file
-    int recommended = -1;
-    FixSource recommendedSource;
+    std::optional<FixSource> recommendedSource;
     bool built = false;
-    OdArray<StFixPtr> fixes;
+    OdArray<StFixPtr> fixes;  // the whole ranked list, once built
+    int recommended = -1;     // the recommended fix's place in `fixes`, once built
   };
   // The records of one standards file a non-standard name may be replaced with, with their
-  // names folded for the matching that recommends one.
+  // names folded for the matching that recommends and ranks them (lowerNames and looseNames
+  // run parallel to records).
   struct Candidates {
     std::vector<FixSource> records;
+    std::vector<std::wstring> lowerNames;
+    std::vector<std::wstring> looseNames;
     std::unordered_map<OdString, std::vector<std::size_t>> byLowerName;
     std::unordered_map<OdString, std::vector<std::size_t>> byLooseName;
   };
@@ -139,6 +150,14 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin> {
                       const OdString& description, const StPropertyList& properties);
   StFixPtr newFix(const FixSource& source, const std::vector<OdString>& names);
   void buildFixes(Finding& finding);
+  // The sources of the first `limit` fixes of `finding` in rank order, the recommended one
+  // always among them (see getFirstFixes); `total` is the number of all its fixes. The
+  // pointers are into `finding` and the candidate lists.
+  std::vector<const FixSource*> rankedSources(const Finding& finding, std::size_t limit,
+                                              std::size_t& total);
+  // The current finding when `error` is its error, else `error`'s record evaluated anew into
+  // `other`; null when the record no longer has that error.
+  Finding* findingFor(StError* error, Finding& other);
   const Candidates& candidates(std::size_t standard);
   // The index of the preferred standards file in standards_, or -1.
   int preferredStandard() const;

@@ -1,8 +1,11 @@
 #include "ProblemReader.h"
 
+#include <algorithm>
+
 #include "OdDbSymbolTableRecord.h"
 #include "StErrorFlags.h"
 #include "StIgnoreMarks.h"
+#include "StRankedFixes.h"
 #include "StVariantText.h"
 
 namespace stcheck {
@@ -45,23 +48,45 @@ ReportProblem ProblemReader::read(const st::StErrorAccumulatorImpl::Entry& entry
 
   st::StDWSPlugin& plugin = *entry.plugin;
   st::StPropertyFormatterPtr formatter = plugin.propertyFormatter();
+  // Only the fixes the report lists are made when the plug-in can rank them: a non-standard
+  // name may have every record of every standards file as a candidate.
+  const unsigned limit = static_cast<unsigned>(ReportProblem::kFixesListed);
   OdArray<st::StFixPtr> fixes;
   int recommended = -1;
-  plugin.getAllFixes(&error, fixes, recommended);
-  for (int i = 0; i < static_cast<int>(fixes.size()); ++i)
+  std::size_t total = 0;
+  if (auto* ranked = dynamic_cast<st::StRankedFixes*>(&plugin)) {
+    unsigned all = 0;
+    ranked->getFirstFixes(&error, limit, fixes, recommended, all);
+    total = all;
+  } else {
+    plugin.getAllFixes(&error, fixes, recommended);
+    total = fixes.size();
+  }
+  // The recommended fix first, the rest in the plug-in's order.
+  if (recommended >= 0)
     p.fixes.push_back(
-        {fixes[i]->name().toUtf8(), fixes[i]->standardsFile().toUtf8(), i == recommended});
+        {fixes[recommended]->name().toUtf8(), fixes[recommended]->standardsFile().toUtf8(), true});
+  for (int i = 0; i < static_cast<int>(fixes.size()) && p.fixes.size() < limit; ++i)
+    if (i != recommended)
+      p.fixes.push_back({fixes[i]->name().toUtf8(), fixes[i]->standardsFile().toUtf8(), false});
   // A fixed problem names the fix that was applied as the recommended one: it is the fix the
   // module chose, whatever the plug-in offers once the object meets the standard.
   if (fixed && entry.fix) {
     ReportFix used{entry.fix->name().toUtf8(), entry.fix->standardsFile().toUtf8(), true};
-    bool listed = false;
-    for (ReportFix& f : p.fixes) {
-      f.recommended = f.name == used.name && f.standardsFile == used.standardsFile;
-      listed |= f.recommended;
+    auto listed = p.fixes.end();
+    for (auto it = p.fixes.begin(); it != p.fixes.end(); ++it) {
+      it->recommended = it->name == used.name && it->standardsFile == used.standardsFile;
+      if (it->recommended) listed = it;
     }
-    if (!listed) p.fixes.insert(p.fixes.begin(), used);
+    if (listed != p.fixes.end()) {
+      std::rotate(p.fixes.begin(), listed, listed + 1);
+    } else {
+      p.fixes.insert(p.fixes.begin(), used);
+      ++total;
+    }
   }
+  if (p.fixes.size() > limit) p.fixes.resize(limit);
+  p.moreFixes = total > p.fixes.size() ? total - p.fixes.size() : 0;
 
   // The values the fix used (or the recommended one) would change.
   st::StFixPtr fix = fixed && entry.fix ? entry.fix

@@ -7,9 +7,9 @@ namespace stcheck {
 
 // Turns what the module's silent check collected into report problems: the object's handle
 // and name, the problem's texts, the values the recommended fix would change (current from
-// the problem, standard from the fix), the candidate fixes with their standards files, and
-// who ignored it. Values are shown as the plug-in formats them, or as the module shows any
-// value.
+// the problem, standard from the fix), the best candidate fixes with their standards files
+// (the recommended one first) and how many more there are, and who ignored it. Values are shown as
+// the plug-in formats them, or as the module shows any value.
 class ProblemReader {
  public:
   static ReportProblem read(const st::StErrorAccumulatorImpl::Entry& entry, bool fixed);

@@ -44,10 +44,13 @@ CheckReport sampleRun() {
                        "",
                        "",
                        {},
-                       {}};
+                       {},
+                       0};
   colour.properties = {{"Color", "3", "1"}, {"Lineweight", "0.25 mm", "0.50 mm"}};
   colour.fixes = {{"WALLS", "office.dws", true}, {"WALLS", "site.dws", false}};
+  colour.moreFixes = 3;  // candidates a report leaves out
   ReportProblem fixed = colour;
+  fixed.moreFixes = 0;
   fixed.handle = "2B";
   fixed.objectName = "DOORS";
   fixed.fixed = true;
@@ -108,6 +111,7 @@ TEST(JsonReportFormat, ReadsBackWhatItWrote) {
   EXPECT_EQ(back.toolVersion, "1.2.3");
   EXPECT_EQ(JsonReport::write(back), JsonReport::write(run));
   EXPECT_EQ(back.drawings[0].problems[2].ignoredBy, "alice");
+  EXPECT_EQ(back.drawings[0].problems[0].moreFixes, 3u);
   EXPECT_EQ(back.drawings[2].error, run.drawings[2].error);
 }
 
@@ -213,7 +217,9 @@ TEST(TextReportFormat, GroupsByDrawingAndColoursOnlyWhenAsked) {
   EXPECT_EQ(plain.find("\x1b["), std::string::npos);
   EXPECT_NE(plain.find("  Layers (StDWSLayerPlugin)\n"), std::string::npos) << plain;
   EXPECT_NE(plain.find("Color: 3 -> 1"), std::string::npos);
-  EXPECT_NE(plain.find("fix: WALLS (office.dws) recommended"), std::string::npos);
+  EXPECT_NE(plain.find("fix: WALLS (office.dws) recommended\n      fix: WALLS (site.dws)\n"
+                       "      ... and 3 more\n"),
+            std::string::npos);
   EXPECT_NE(plain.find("ignored by alice"), std::string::npos);
   EXPECT_NE(plain.find("not checked: bad DXF at line 7"), std::string::npos);
   EXPECT_NE(plain.find("3 drawings checked: 1 meet the standards, 1 problem remains, 1 drawing "

@@ -159,6 +159,60 @@ TEST(StcheckCheck, FixWritesTheDrawingKeepsTheOriginalAndASecondCheckPasses) {
   EXPECT_EQ(oracle.output, "7 13 0.8\n") << oracle.output;
 }
 
+// A layer no standard has, against a standard of 31 layers: the reports list the 20 closest
+// names, the recommended one first, and count the rest.
+TEST(StcheckCheck, ACrowdedStandardListsTheClosestFixesAndCountsTheRest) {
+  Project project;
+  {
+    OdDbDatabasePtr standard = OdDbDatabase::createEmpty();
+    OdDbLayerTablePtr layers = standard->getLayerTableId().safeOpenObject(OdDb::kForWrite);
+    std::vector<OdString> names{L"Wall-Hatch-Old", L"Mall_Hatch", L"Wall-Patch", L"WALL-HATCH"};
+    for (int i = 1; i <= 26; ++i) names.push_back(OdString::format(L"Z-Filler-%02d", i));
+    for (const OdString& name : names) {
+      OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
+      layer->setName(name);
+      layers->add(layer.get());
+    }
+    layers.release();
+    standard->writeFile(project.file("crowded.dws"));
+    OdDbDatabasePtr plan = OdDbDatabase::createEmpty();
+    OdDbLayerTablePtr planLayers = plan->getLayerTableId().safeOpenObject(OdDb::kForWrite);
+    OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
+    layer->setName(L"Wall_Hatch");
+    planLayers->add(layer.get());
+    planLayers.release();
+    plan->writeFile(project.file("crowded.dxf"));
+  }
+  auto run = project.stcheck(
+      {"check", "crowded.dxf", "--standard", "crowded.dws", "--format", "json", "-o", "c.json"});
+  EXPECT_EQ(run.exitCode, 1) << run.output;
+  auto listed = Project::python(
+      "import json,sys\n"
+      "p=json.load(open(sys.argv[1]))['drawings'][0]['problems']\n"
+      "print(len(p), len(p[0]['fixes']), p[0]['moreFixes'])\n"
+      "print([f['name'] + ('*' if f['recommended'] else '') for f in p[0]['fixes'][:4]])\n",
+      {project.file("c.json").string()});
+  EXPECT_EQ(listed.output,
+            "1 20 11\n['WALL-HATCH*', 'Mall_Hatch', 'Wall-Patch', 'Wall-Hatch-Old']\n")
+      << listed.output;
+  auto schema = Project::python(
+      "import json,sys,jsonschema\n"
+      "jsonschema.Draft202012Validator(json.load(open(sys.argv[1]))).validate("
+      "json.load(open(sys.argv[2])))\n",
+      {std::string(STAUDIT_SOURCE_DIR) + "/docs/report.schema.json",
+       project.file("c.json").string()});
+  if (schema.output.find("No module named 'jsonschema'") == std::string::npos) {
+    EXPECT_EQ(schema.exitCode, 0) << schema.output;
+  }
+  run = project.stcheck({"check", "crowded.dxf", "--standard", "crowded.dws"});
+  EXPECT_NE(run.output.find("      fix: WALL-HATCH (crowded.dws) recommended\n"
+                            "      fix: Mall_Hatch (crowded.dws)\n"),
+            std::string::npos)
+      << run.output;
+  EXPECT_NE(run.output.find("... and 26 more (see --format json)\n"), std::string::npos)
+      << run.output;
+}
+
 TEST(StcheckCheck, EveryFormatIsReadableByItsOwnKindOfReader) {
   Project project;
   for (const char* format : {"json", "junit", "sarif", "html"}) {

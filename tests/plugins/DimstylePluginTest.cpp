@@ -52,7 +52,7 @@ TEST_F(DimstylePluginTest, ReportsVariablesAndNamesAndFixesEachKindExactly) {
   EXPECT_EQ(reported[0].tag, 1u);
   EXPECT_EQ(reported[1].record, "ISO-25");
   EXPECT_EQ(reported[1].fixes,
-            (std::vector<std::string>{"Standard@office.dws", "Arch@office.dws"}));
+            (std::vector<std::string>{"Arch@office.dws", "Standard@office.dws"}));
   EXPECT_EQ(reported[1].recommended, -1);
 
   // Variables by name, with the text style the standard names though the drawing stores none.
@@ -79,7 +79,7 @@ TEST_F(DimstylePluginTest, ReportsVariablesAndNamesAndFixesEachKindExactly) {
   EXPECT_EQ(plugintest::changedObjects(planFile_, dir_.path() / "arch.dxf"),
             (std::vector<std::string>{"+STYLE Notes", "DIMSTYLE Arch"}));
 
-  plugin_->fixError(reported[1].error.get(), reported[1].fixObjects[1].get());
+  plugin_->fixError(reported[1].error.get(), reported[1].fixObjects[0].get());
   EXPECT_TRUE(reported[1].error->flags() & st::kStErrorFixed);
   drawing_->writeFile(dir_.path() / "fixed.dxf");
   EXPECT_EQ(plugintest::changedObjects(dir_.path() / "arch.dxf", dir_.path() / "fixed.dxf"),

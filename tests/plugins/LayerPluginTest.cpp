@@ -1,10 +1,15 @@
 // The layer plug-in on a drawing and two standards files built here and read back from disk:
 // what it reports, what each fix changes in the saved drawing, what ezdxf reads afterwards.
 
+#include <algorithm>
+#include <random>
+
 #include "OdDbBlockTable.h"
 #include "PluginsTestSupport.h"
 #include "StErrorFlags.h"
 #include "StIgnoreMarks.h"
+#include "StNameDistance.h"
+#include "StRankedFixes.h"
 
 namespace {
 
@@ -82,18 +87,38 @@ TEST_F(LayerPluginTest, ReportsExactlyTheDifferencesWithTheirFixesAndRecommendat
   EXPECT_EQ(reported[0].fixes, (std::vector<std::string>{"Walls@office.dws", "Walls@site.dws"}));
   EXPECT_EQ(reported[0].recommended, 0) << "the first file's fix, no preferred file being set";
 
+  // A non-standard name has every standard layer as a fix, the closest names first: equal
+  // ignoring case and separators, then by edit distance, ties by file and then name.
   EXPECT_EQ(reported[1].record, "hatch_fill");
   EXPECT_EQ(reported[1].tag, 2u);
-  const std::vector<std::string> everyStandardLayer{
-      "0@office.dws", "Walls@office.dws", "Doors@office.dws", "Hatch-Fill@office.dws",
-      "0@site.dws",   "Walls@site.dws",   "Survey@site.dws"};
-  EXPECT_EQ(reported[1].fixes, everyStandardLayer);
-  EXPECT_EQ(reported[1].recommended, 3) << "differs from Hatch-Fill only in case and separator";
+  EXPECT_EQ(reported[1].fixes,
+            (std::vector<std::string>{"Hatch-Fill@office.dws", "Walls@office.dws", "Walls@site.dws",
+                                      "0@office.dws", "Doors@office.dws", "0@site.dws",
+                                      "Survey@site.dws"}));
+  EXPECT_EQ(reported[1].recommended, 0) << "differs from Hatch-Fill only in case and separator";
 
   EXPECT_EQ(reported[2].record, "Notes");
-  EXPECT_EQ(reported[2].fixes, everyStandardLayer);
+  EXPECT_EQ(reported[2].fixes,
+            (std::vector<std::string>{"Doors@office.dws", "Walls@office.dws", "Walls@site.dws",
+                                      "0@office.dws", "0@site.dws", "Survey@site.dws",
+                                      "Hatch-Fill@office.dws"}));
   EXPECT_EQ(reported[2].recommended, -1) << "nothing close enough to recommend";
   EXPECT_TRUE(plugin_->getRecommendedFix(reported[2].error.get()).isNull());
+
+  // The first few of the same list, made without the rest, for reports.
+  auto* ranked = dynamic_cast<st::StRankedFixes*>(plugin_.get());
+  ASSERT_NE(ranked, nullptr);
+  for (const Reported& r : {reported[1], reported[2]}) {
+    OdArray<st::StFixPtr> first;
+    int recommended = -2;
+    unsigned total = 0;
+    ranked->getFirstFixes(r.error.get(), 3, first, recommended, total);
+    EXPECT_EQ(total, 7u);
+    ASSERT_EQ(first.size(), 3u);
+    for (unsigned i = 0; i < first.size(); ++i)
+      EXPECT_EQ(first[i]->name(), r.fixObjects[i]->name()) << r.record << " " << i;
+    EXPECT_EQ(recommended, r.recommended);
+  }
 
   // The preview of the Walls fix from the office: only what differs, with the current values.
   OdArray<OdString> names;
@@ -153,7 +178,7 @@ TEST_F(LayerPluginTest, ReplacingANameMovesEveryEntityAndPurgesTheOldLayer) {
   // Notes goes to Doors by the user's choice, from paper space too.
   auto notes = checkAndFind("Notes");
   ASSERT_EQ(notes.size(), 1u);
-  plugin_->fixError(notes[0].error.get(), notes[0].fixObjects[2].get());
+  plugin_->fixError(notes[0].error.get(), notes[0].fixObjects[0].get());
   EXPECT_TRUE(notes[0].error->flags() & st::kStErrorFixed);
   EXPECT_EQ(check().size(), 1u) << "only Walls is left";
 
@@ -209,6 +234,36 @@ TEST_F(LayerPluginTest, AnIgnoredLayerIsFlaggedUntilItsMarkIsRemoved) {
   auto unmarked = checkAndFind("Notes");
   ASSERT_EQ(unmarked.size(), 1u);
   EXPECT_EQ(unmarked[0].flags, st::kStErrorFixable);
+}
+
+// The word-at-a-time distance against the plain table, over names short and long (past the
+// 64 characters of a word), ASCII and not, with repeated characters.
+TEST(NameDistance, AgreesWithThePlainTable) {
+  const auto table = [](const std::wstring& a, const std::wstring& b) {
+    std::vector<std::vector<std::size_t>> d(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
+    for (std::size_t i = 0; i <= a.size(); ++i) d[i][0] = i;
+    for (std::size_t j = 0; j <= b.size(); ++j) d[0][j] = j;
+    for (std::size_t i = 1; i <= a.size(); ++i)
+      for (std::size_t j = 1; j <= b.size(); ++j)
+        d[i][j] = std::min(
+            {d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1)});
+    return d[a.size()][b.size()];
+  };
+  std::mt19937 random(7);
+  const std::wstring alphabet = L"ab-_\u00e9\u5c42";
+  const auto name = [&](std::size_t longest) {
+    std::wstring s(random() % (longest + 1), L' ');
+    for (wchar_t& c : s) c = alphabet[random() % alphabet.size()];
+    return s;
+  };
+  for (int round = 0; round < 400; ++round) {
+    const std::wstring a = name(round % 4 == 0 ? 90 : 64);
+    const st::StNameDistance distance(a);
+    for (int k = 0; k < 5; ++k) {
+      const std::wstring b = name(80);
+      ASSERT_EQ(distance.to(b), table(a, b)) << round;
+    }
+  }
 }
 
 }  // namespace

@@ -53,9 +53,9 @@ TEST_F(LinetypePluginTest, ReportsPatternAndNamesAndFixesEachKindExactly) {
   EXPECT_EQ(reported[1].record, "Hid-den");
   EXPECT_EQ(reported[1].tag, 2u);
   EXPECT_EQ(reported[1].fixes,
-            (std::vector<std::string>{"Continuous@office.dws", "DASHED@office.dws",
-                                      "HIDDEN@office.dws", "CENTER@office.dws"}));
-  EXPECT_EQ(reported[1].recommended, 2);
+            (std::vector<std::string>{"HIDDEN@office.dws", "CENTER@office.dws", "DASHED@office.dws",
+                                      "Continuous@office.dws"}));
+  EXPECT_EQ(reported[1].recommended, 0);
   EXPECT_EQ(reported[2].record, "Phantom");
   EXPECT_EQ(reported[2].recommended, -1);
 
@@ -76,7 +76,8 @@ TEST_F(LinetypePluginTest, ReportsPatternAndNamesAndFixesEachKindExactly) {
 
   // Phantom by CENTER, which the drawing lacks: copied in, the layer and the text moved to
   // it, Phantom gone.
-  plugin_->fixError(reported[2].error.get(), reported[2].fixObjects[3].get());
+  ASSERT_EQ(reported[2].fixes[0], "CENTER@office.dws") << "the closest name";
+  plugin_->fixError(reported[2].error.get(), reported[2].fixObjects[0].get());
   EXPECT_TRUE(reported[2].error->flags() & st::kStErrorFixed);
   drawing_->writeFile(dir_.path() / "center.dxf");
   auto changed = plugintest::changedObjects(dir_.path() / "dashed.dxf", dir_.path() / "center.dxf");

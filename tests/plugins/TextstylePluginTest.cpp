@@ -45,9 +45,9 @@ TEST_F(TextstylePluginTest, ReportsFontsAndNamesAndFixesEachKindExactly) {
   EXPECT_EQ(reported[0].record, "Notes");
   EXPECT_EQ(reported[0].tag, 1u);
   EXPECT_EQ(reported[1].record, "Title_S");
-  EXPECT_EQ(reported[1].fixes, (std::vector<std::string>{"Standard@office.dws", "Notes@office.dws",
-                                                         "Titles@office.dws"}));
-  EXPECT_EQ(reported[1].recommended, 2);
+  EXPECT_EQ(reported[1].fixes, (std::vector<std::string>{"Titles@office.dws", "Notes@office.dws",
+                                                         "Standard@office.dws"}));
+  EXPECT_EQ(reported[1].recommended, 0);
   EXPECT_EQ(reported[2].record, "Old");
   EXPECT_EQ(reported[2].recommended, -1);
 
@@ -65,7 +65,8 @@ TEST_F(TextstylePluginTest, ReportsFontsAndNamesAndFixesEachKindExactly) {
             std::vector<std::string>{"STYLE Notes"});
 
   // Old by Notes: both texts and the dimension style follow, Old goes.
-  plugin_->fixError(reported[2].error.get(), reported[2].fixObjects[1].get());
+  ASSERT_EQ(reported[2].fixes[0], "Notes@office.dws") << "the closest name";
+  plugin_->fixError(reported[2].error.get(), reported[2].fixObjects[0].get());
   EXPECT_TRUE(reported[2].error->flags() & st::kStErrorFixed);
   drawing_->writeFile(dir_.path() / "old.dxf");
   auto changed = plugintest::changedObjects(dir_.path() / "notes.dxf", dir_.path() / "old.dxf");

@@ -38,7 +38,12 @@ struct ReportProblem {
   std::string fixedWith;    // the fix used when fixed
   std::string ignoredBy;    // the user who marked the problem ignored; empty when not ignored
   std::vector<ReportProperty> properties;
+  // The best candidate fixes, at most kFixesListed, the recommended one first and the rest
+  // closest name first; moreFixes counts the candidates left out.
   std::vector<ReportFix> fixes;
+  std::size_t moreFixes = 0;
+
+  static constexpr std::size_t kFixesListed = 20;
 
   bool ignored() const { return !ignoredBy.empty(); }
   // Neither fixed nor deliberately ignored: what makes a check fail.

@@ -116,6 +116,7 @@ void writeProblem(std::ostringstream& out, const ReportProblem& p) {
       out << "<li>" << (fix.recommended ? "<b>" : "") << e(fix.name)
           << (fix.recommended ? "</b> (recommended)" : "") << " <span class=\"small\">"
           << e(fix.standardsFile) << "</span></li>";
+    if (p.moreFixes > 0) out << "<li class=\"small\">&hellip; and " << p.moreFixes << " more</li>";
     out << "</ul>";
   }
   out << "</td><td class=\"" << state << "\">";

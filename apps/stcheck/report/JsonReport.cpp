@@ -29,6 +29,7 @@ ordered problemJson(const ReportProblem& p) {
     j["fixes"].push_back({{"name", fix.name},
                           {"standardsFile", fix.standardsFile},
                           {"recommended", fix.recommended}});
+  j["moreFixes"] = p.moreFixes;
   return j;
 }
 
@@ -116,6 +117,8 @@ ReportProblem problemFromJson(const nlohmann::json& j) {
     p.properties.push_back({text(prop, "name"), text(prop, "current"), text(prop, "standard")});
   for (const nlohmann::json& fix : list(j, "fixes"))
     p.fixes.push_back({text(fix, "name"), text(fix, "standardsFile"), flag(fix, "recommended")});
+  // Absent from reports of earlier versions, which listed every fix.
+  if (j.contains("moreFixes")) p.moreFixes = count(j, "moreFixes");
   return p;
 }
 

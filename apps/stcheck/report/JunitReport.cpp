@@ -55,6 +55,7 @@ void writeProblem(std::ostringstream& out, const DrawingReport& d, const ReportP
     for (const ReportFix& fix : p.fixes)
       body << "fix: " << fix.name << " (" << fix.standardsFile << ")"
            << (fix.recommended ? " recommended" : "") << "\n";
+    if (p.moreFixes > 0) body << "... and " << p.moreFixes << " more fixes\n";
     out << "      <failure message=\"" << e(p.title) << "\" type=\"" << e(p.plugin) << "\">"
         << e(body.str()) << "</failure>\n";
   }

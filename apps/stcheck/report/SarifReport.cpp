@@ -56,6 +56,7 @@ ordered result(const DrawingReport& d, const ReportProblem& p, int ruleIndex) {
     props["fixes"].push_back({{"name", fix.name},
                               {"standardsFile", fix.standardsFile},
                               {"recommended", fix.recommended}});
+  props["moreFixes"] = p.moreFixes;
   r["properties"] = props;
   return r;
 }

@@ -1,5 +1,6 @@
 #include "TextReport.h"
 
+#include <algorithm>
 #include <map>
 #include <sstream>
 
@@ -33,7 +34,7 @@ std::string fileName(const std::string& path) {
 }
 
 // A name with no standard counterpart may have every object of its kind as a candidate; a
-// person needs the first few, the JSON report has them all.
+// person needs the first few, the JSON report lists more.
 constexpr std::size_t kFixesShown = 5;
 
 void writeProblem(std::ostringstream& out, const ReportProblem& p, const Painter& paint) {
@@ -57,10 +58,11 @@ void writeProblem(std::ostringstream& out, const ReportProblem& p, const Painter
     if (fix.recommended) out << " " << paint.bold("recommended");
     out << "\n";
   }
-  if (p.fixes.size() > kFixesShown)
+  const std::size_t shown = std::min(p.fixes.size(), kFixesShown);
+  if (const std::size_t more = p.fixes.size() - shown + p.moreFixes; more > 0)
     out << "      "
-        << paint.dim("and " + std::to_string(p.fixes.size() - kFixesShown) +
-                     " more (see --format json)")
+        << paint.dim("... and " + std::to_string(more) + " more" +
+                     (p.fixes.size() > shown ? " (see --format json)" : ""))
         << "\n";
 }
 
