@@ -91,6 +91,21 @@ std::vector<std::string> allErrors(OdDbDatabase* drawing,
   return errors;
 }
 
+// An R13 drawing whose dimension style STANDARD stores almost no variables, against a
+// standard whose Standard stores others at their defaults: only its two layers of names no
+// standard has are reported.
+TEST(PluginsOnTheCorpus, VariablesLeftOutCompareAsTheirDefaults) {
+  const auto corpus = testsupport::corpusDir();
+  if (corpus.empty()) GTEST_SKIP() << "the shared corpus is absent: " << STAUDIT_CORPUS_DIR;
+  OdDbDatabasePtr drawing = OdDbDatabase::readFile(corpus / "r13_ezdxf_small_dos932.dxf");
+  OdDbDatabasePtr standard = OdDbDatabase::readFile(std::filesystem::path(STAUDIT_SOURCE_DIR) /
+                                                    "examples" / "office-standards.dws");
+  EXPECT_EQ(
+      allErrors(drawing.get(), {standard.get()}),
+      (std::vector<std::string>{"3USMM_PKG: The layer \"3USMM_PKG\" has a non-standard name",
+                                "FOOT_PRINT: The layer \"FOOT_PRINT\" has a non-standard name"}));
+}
+
 // Every drawing of the corpus (as its list names them, read by content whatever the name)
 // checked against a byte-identical copy of itself, read as a drawing of its own: whatever the
 // release, whatever the program that wrote it, nothing differs.
