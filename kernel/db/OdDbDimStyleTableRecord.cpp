@@ -166,11 +166,19 @@ void OdDbDimStyleTableRecord::setDimVar(const OdResBuf* value) {
     obj.setTag(i, tags.front());
     return;
   }
-  // Files keep the variables in ascending group code order.
+  // Files keep the variables after the name and the flags, in ascending group code order.
+  // A record of a file without subclass markers starts with its handle (105), which is no
+  // variable to order by.
   auto [begin, end] = range.bounds();
-  std::size_t at = end;
+  std::size_t first = begin;
   for (std::size_t k = begin; k < end; ++k)
-    if (obj.code(k) > value->restype() && obj.code(k) != 70 && obj.code(k) != 2) {
+    if (obj.code(k) == 70) {
+      first = k + 1;
+      break;
+    }
+  std::size_t at = end;
+  for (std::size_t k = first; k < end; ++k)
+    if (obj.code(k) > value->restype()) {
       at = k;
       break;
     }

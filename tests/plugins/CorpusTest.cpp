@@ -145,28 +145,29 @@ TEST(PluginsOnTheCorpus, EveryDrawingConformsToACopyOfItself) {
 }
 
 // A drawing written by ezdxf as `version` with a few layers (one with a linetype of a
-// pattern), a text style with a font and a dimension style with variables of its own; the
-// layer "Walls" has the colour `wallColor`.
+// pattern), a text style with a font and a dimension style with variables of its own, one
+// of them (DIMLWD) of R2000 on; `changed` gives the layer "Walls" another colour and the
+// dimension style another DIMSCALE.
 std::filesystem::path ezdxfDrawing(const std::filesystem::path& dir, const std::string& version,
-                                   int wallColor) {
-  const auto file = dir / (version + "-" + std::to_string(wallColor) + ".dxf");
+                                   bool changed) {
+  const auto file = dir / (version + (changed ? "-changed.dxf" : ".dxf"));
   auto result =
-      plugintest::ezdxf("doc = ezdxf.new('" + version +
-                            "')\n"
+      plugintest::ezdxf("doc = ezdxf.new('" + version + "')\n" +
                             "doc.linetypes.add('Center2', pattern=[1.5, 1.0, -0.25, 0.0, -0.25],\n"
                             "                  description='Center __ . __')\n"
                             "doc.layers.add('Walls', color=" +
-                            std::to_string(wallColor) +
-                            ", linetype='Center2')\n"
+                            (changed ? "2" : "1") + ", linetype='Center2')\n" +
                             "doc.layers.add('Doors', color=3)\n"
                             "doc.layers.add('Notes', color=5)\n"
                             "doc.styles.add('Notes', font='romans.shx').dxf.width = 0.8\n"
                             "arch = doc.dimstyles.add('Arch')\n"
-                            "arch.dxf.dimscale = 48\n"
+                            "arch.dxf.dimscale = " +
+                            (changed ? "96" : "48") + "\n" +
                             "arch.dxf.dimtxt = 0.125\n"
                             "arch.dxf.dimclrd = 2\n"
                             "arch.dxf.dimtad = 1\n"
                             "arch.dxf.dimexe = 0.1\n"
+                            "arch.dxf.dimlwd = 35\n"
                             "doc.saveas(path)\n",
                         file);
   EXPECT_EQ(result.exitCode, 0) << result.output;
@@ -183,54 +184,72 @@ std::set<int> groupCodes(const std::filesystem::path& file) {
   return codes;
 }
 
-TEST(PluginsAcrossReleases, SameRecordsConformWhateverTheReleasesAndADifferenceIsFixedInR12) {
+// Applies the recommended fix of every error of every plug-in; the properties each fix
+// changed, as "record: property".
+std::vector<std::string> fixAll(OdDbDatabase* drawing, OdDbDatabase* standard) {
+  std::vector<std::string> changed;
+  for (const wchar_t* className : kPlugins) {
+    st::StDWSPluginPtr plugin = plugintest::createPlugin(className);
+    for (const plugintest::Reported& r : plugintest::check(*plugin, drawing, {standard})) {
+      st::StFixPtr fix = plugin->getRecommendedFix(r.error.get());
+      OdArray<OdString> names;
+      OdArray<OdVariant> current;
+      plugin->getPropertyDiffs(r.error.get(), fix.get(), names, current, {});
+      for (const OdString& name : names) changed.push_back(r.record + ": " + name.toUtf8());
+      plugin->fixError(r.error.get(), fix.get());
+      EXPECT_TRUE(r.error->flags() & st::kStErrorFixed) << r.record;
+    }
+  }
+  return changed;
+}
+
+TEST(PluginsAcrossReleases, SameRecordsConformWhateverTheReleasesAndDifferencesAreFixed) {
   testsupport::TempDir dir;
   const std::vector<std::string> versions{"R12", "R2000", "R2018"};
   std::map<std::string, OdDbDatabasePtr> standards;
   std::map<std::string, OdDbDatabasePtr> changed;
   for (const std::string& version : versions) {
-    standards[version] = OdDbDatabase::readFile(ezdxfDrawing(dir.path(), version, 1));
-    changed[version] = OdDbDatabase::readFile(ezdxfDrawing(dir.path(), version, 2));
+    standards[version] = OdDbDatabase::readFile(ezdxfDrawing(dir.path(), version, false));
+    changed[version] = OdDbDatabase::readFile(ezdxfDrawing(dir.path(), version, true));
   }
+  const std::vector<std::string> differences{
+      "Arch: The dimension style \"Arch\" has non-standard properties",
+      "Walls: The layer \"Walls\" has non-standard properties"};
   for (const std::string& version : versions) {
-    OdDbDatabasePtr same = OdDbDatabase::readFile(dir.path() / (version + "-1.dxf"));
+    OdDbDatabasePtr same = OdDbDatabase::readFile(dir.path() / (version + ".dxf"));
     for (const std::string& standard : versions) {
       EXPECT_EQ(allErrors(same.get(), {standards[standard].get()}), std::vector<std::string>{})
           << version << " drawing, " << standard << " standard";
-      EXPECT_EQ(allErrors(changed[version].get(), {standards[standard].get()}),
-                std::vector<std::string>{"Walls: The layer \"Walls\" has non-standard properties"})
+      EXPECT_EQ(allErrors(changed[version].get(), {standards[standard].get()}), differences)
           << version << " drawing, " << standard << " standard";
     }
   }
 
-  // The R12 drawing fixed from the R2018 standard: the colour alone changes, with no group
-  // code the R12 file did not use before, and ezdxf reads the result.
-  OdDbDatabase* r12 = changed["R12"].get();
-  st::StDWSPluginPtr layers = plugintest::createPlugin(L"StDWSLayerPlugin");
-  auto reported = plugintest::check(*layers, r12, {standards["R2018"].get()});
-  ASSERT_EQ(reported.size(), 1u);
-  OdArray<OdString> names;
-  OdArray<OdVariant> current;
-  layers->getPropertyDiffs(reported[0].error.get(), reported[0].fixObjects[0].get(), names, current,
-                           {});
-  ASSERT_EQ(names.size(), 1u);
-  EXPECT_EQ(names[0], OdString(L"Color"));
-  layers->fixError(reported[0].error.get(), reported[0].fixObjects[0].get());
-  EXPECT_TRUE(reported[0].error->flags() & st::kStErrorFixed);
+  // The R12 drawing fixed from the R2018 standard: the colour and the scale change, with no
+  // group code the R12 file did not use before, and ezdxf reads the result.
+  const std::vector<std::string> fixes{"Arch: DIMSCALE", "Walls: Color"};
+  EXPECT_EQ(fixAll(changed["R12"].get(), standards["R2018"].get()), fixes);
   const auto fixed = dir.path() / "R12-fixed.dxf";
-  OdDbDatabasePtr reread = plugintest::saveAndReload(*r12, fixed);
-  EXPECT_EQ(plugintest::changedObjects(dir.path() / "R12-2.dxf", fixed),
-            std::vector<std::string>{"LAYER Walls"});
-  const std::set<int> before = groupCodes(dir.path() / "R12-2.dxf");
+  OdDbDatabasePtr reread = plugintest::saveAndReload(*changed["R12"], fixed);
+  EXPECT_EQ(plugintest::changedObjects(dir.path() / "R12-changed.dxf", fixed),
+            (std::vector<std::string>{"DIMSTYLE Arch", "LAYER Walls"}));
+  const std::set<int> before = groupCodes(dir.path() / "R12-changed.dxf");
   for (int code : groupCodes(fixed)) EXPECT_TRUE(before.count(code)) << "group code " << code;
   EXPECT_EQ(allErrors(reread.get(), {standards["R2018"].get()}), std::vector<std::string>{});
   auto result = plugintest::ezdxf(
       "doc = ezdxf.readfile(path)\n"
       "walls = doc.layers.get('Walls')\n"
-      "print(doc.dxfversion, walls.dxf.color, walls.dxf.linetype)\n",
+      "arch = doc.dimstyles.get('Arch')\n"
+      "print(doc.dxfversion, walls.dxf.color, walls.dxf.linetype, arch.dxf.dimscale)\n",
       fixed);
   EXPECT_EQ(result.exitCode, 0) << result.output;
-  EXPECT_EQ(result.output, "AC1009 1 Center2\n");
+  EXPECT_EQ(result.output, "AC1009 1 Center2 48.0\n");
+
+  // The R2018 drawing fixed from the R12 standard keeps what R12 cannot store: it then
+  // conforms to the R2018 standard too.
+  EXPECT_EQ(fixAll(changed["R2018"].get(), standards["R12"].get()), fixes);
+  EXPECT_EQ(allErrors(changed["R2018"].get(), {standards["R2018"].get()}),
+            std::vector<std::string>{});
 }
 
 }  // namespace
