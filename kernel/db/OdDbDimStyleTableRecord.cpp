@@ -83,7 +83,7 @@ const DimVar* dimVar(int code) {
   return nullptr;
 }
 
-// The index of the tag holding the variable under `code` in `range`, or npos. Group 70 is
+// The index of the tag of `obj` holding the variable under `code`, or npos. Group 70 is
 // first the record's flags: DIMTFILLCLR is the 70 after them.
 std::size_t findDimVar(DxfObject& obj, int code) {
   OdDbTagRange range(obj, kDimStyle);
