@@ -3,6 +3,7 @@
 #include "OdDbDictionary.h"
 #include "OdDbLayerTableRecord.h"
 #include "OdDbLinetypeTable.h"
+#include "StDrawingRelease.h"
 #include "StIcon.h"
 #include "StLayerProperties.h"
 #include "StRecordCloning.h"
@@ -32,9 +33,22 @@ OdString plotStyleName(OdDbLayerTableRecord& layer) {
   return styles.isNull() ? OdString() : styles->nameAt(id);
 }
 
-OdVariant colorValue(OdDbLayerTableRecord& layer) {
-  const std::int32_t rgb = layer.trueColor();
+// A layer that names none has the drawing's default plot style.
+OdString plotStyleOrNormal(OdDbLayerTableRecord& layer) {
+  const OdString name = plotStyleName(layer);
+  return name.isEmpty() ? OdString(L"Normal") : name;
+}
+
+// The colour as compared: the true colour where both drawings can store one, else the index.
+OdVariant colorValue(OdDbLayerTableRecord& layer, bool trueColors) {
+  const std::int32_t rgb = trueColors ? layer.trueColor() : -1;
   return rgb >= 0 ? OdVariant(rgb) : layerColorToOdVariant(&layer);
+}
+
+// Whether `a` and `b` (either may be null) are both of a release that stores what `release`
+// added.
+bool bothStore(const OdDbDatabase* a, const OdDbDatabase* b, int release) {
+  return (!a || storesRelease(a, release)) && (!b || storesRelease(b, release));
 }
 
 }  // namespace
@@ -57,14 +71,18 @@ bool StDWSLayerPlugin::isReserved(const OdString& name) const {
 
 void StDWSLayerPlugin::readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const {
   auto& layer = static_cast<OdDbLayerTableRecord&>(record);
-  out.emplace_back(L"Color", colorValue(layer));
+  // Properties of later releases only where both the drawing checked and the record's own
+  // drawing store them; a value left out compares as the default the accessors give.
+  OdDbDatabase* own = layer.database();
+  out.emplace_back(L"Color", colorValue(layer, bothStore(drawing(), own, kReleaseR2004)));
   out.emplace_back(L"Linetype", OdVariant(layer.linetypeName()));
+  if (!bothStore(drawing(), own, kReleaseR2000)) return;
   out.emplace_back(L"Lineweight", layerLineWeightToOdVariant(&layer));
   out.emplace_back(L"Plot", OdVariant(layer.isPlottable()));
-  // Plot styles by name only where the drawing has named plot styles: a drawing of an older
-  // release cannot be given one, and would be told of a difference no fix can remove.
-  if (drawing() && !plotStyles(drawing()).isNull())
-    out.emplace_back(L"Plot style", OdVariant(plotStyleName(layer)));
+  // Plot styles by name, and only where both drawings have named plot styles: a drawing
+  // without them would be told of a difference no fix can remove.
+  if (drawing() && !plotStyles(drawing()).isNull() && own && !plotStyles(own).isNull())
+    out.emplace_back(L"Plot style", OdVariant(plotStyleOrNormal(layer)));
   out.emplace_back(L"Transparency", OdVariant(layer.transparency()));
 }
 
@@ -82,16 +100,20 @@ bool StDWSLayerPlugin::applyStandard(const OdDbObjectId& record, const OdDbObjec
         return false;
     }
   }
+  // What the drawing's or the standard's release cannot store is left as it is.
+  const bool trueColors = bothStore(db, standard.database(), kReleaseR2004);
   OdDbLayerTableRecordPtr layer = record.safeOpenObject(OdDb::kForWrite);
-  if (!compareOdVariant(colorValue(*layer), colorValue(*model))) {
+  if (!compareOdVariant(colorValue(*layer, trueColors), colorValue(*model, trueColors))) {
     layer->setColorIndex(model->colorIndex());
-    if (model->trueColor() >= 0) layer->setTrueColor(model->trueColor());
+    if (trueColors && model->trueColor() >= 0) layer->setTrueColor(model->trueColor());
   }
   if (!linetype.isNull()) layer->setLinetypeObjectId(linetype);
+  if (!bothStore(db, standard.database(), kReleaseR2000)) return true;
   if (layer->lineWeight() != model->lineWeight()) layer->setLineWeight(model->lineWeight());
   if (layer->isPlottable() != model->isPlottable()) layer->setIsPlottable(model->isPlottable());
-  const OdString style = plotStyleName(*model);
-  if (!compareOdVariant(OdVariant(plotStyleName(*layer)), OdVariant(style))) {
+  const OdString style = plotStyleOrNormal(*model);
+  if (!plotStyles(standard.database()).isNull() &&
+      !compareOdVariant(OdVariant(plotStyleOrNormal(*layer)), OdVariant(style))) {
     // A plot style the drawing does not have cannot be given; the rest still is.
     OdDbDictionaryPtr styles = plotStyles(db);
     const OdDbObjectId id = styles.isNull() ? OdDbObjectId() : styles->getAt(style);

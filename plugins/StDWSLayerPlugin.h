@@ -4,7 +4,9 @@
 
 namespace st {
 
-// Checks layers: colour, linetype, lineweight, plot flag, plot style and transparency.
+// Checks layers: colour, linetype, lineweight, plot flag, plot style and transparency; true
+// colours, and the properties after the linetype, only between drawings of releases that
+// store them (R2004 and R2000 on), and only those are written by a fix.
 // Layers "0" and "Defpoints" are compared where a standard defines them and never reported
 // as non-standard or erased. Replacing a non-standard layer moves the entities of every block onto
 // the standard layer. Registered as "StDWSLayerPlugin"; watches AcDbLayerTableRecord.

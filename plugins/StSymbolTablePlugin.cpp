@@ -25,11 +25,11 @@ const OdVariant* find(const StPropertyList& list, const OdString& name) {
   return nullptr;
 }
 
-// Two values agree when both are absent or compareOdVariant says they are equal.
+// Two values agree when compareOdVariant says they are equal. A plug-in lists every
+// property a record's release stores, defaults included, so a value one side lacks is one
+// its release cannot hold: it is not compared.
 bool sameValue(const OdVariant* a, const OdVariant* b) {
-  const bool aEmpty = !a || a->isVoid();
-  const bool bEmpty = !b || b->isVoid();
-  if (aEmpty || bEmpty) return aEmpty && bEmpty;
+  if (!a || a->isVoid() || !b || b->isVoid()) return true;
   return compareOdVariant(*a, *b);
 }
 
@@ -199,11 +199,12 @@ bool StSymbolTablePlugin::findPropertyError(OdDbSymbolTableRecord& record,
     if (sameProperties(current, *properties)) return false;
     finding.holders.push_back({i, id, standardRecord->getName(), std::move(properties)});
   }
-  // The error lists every property any standard compares, so that each fix's values line up
-  // with a current value (absent where the record stores none).
+  // The error lists every property of the record that some standard compares, so that each
+  // fix's values line up with a current value (absent where that standard cannot hold it).
   for (const FixSource& holder : finding.holders)
     for (const OdString& n : unionOfNames(current, *holder.properties))
-      if (std::find(finding.names.begin(), finding.names.end(), n) == finding.names.end())
+      if (find(current, n) && find(*holder.properties, n) &&
+          std::find(finding.names.begin(), finding.names.end(), n) == finding.names.end())
         finding.names.push_back(n);
   StPropertyList listed;
   for (const OdString& n : finding.names) {

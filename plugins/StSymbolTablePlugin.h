@@ -16,7 +16,8 @@
 namespace st {
 
 // A record's compared properties, as (display name, value) in display order. A value the
-// record does not store is an empty OdVariant.
+// record leaves out is listed as its default; a property the record's release or the checked
+// drawing's cannot store is left out (or an empty OdVariant) and is not compared.
 using StPropertyList = std::vector<std::pair<OdString, OdVariant>>;
 
 // The common base of the plug-ins that check the records of one symbol table by name against

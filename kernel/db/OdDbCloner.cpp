@@ -2,6 +2,7 @@
 
 #include "DxfGroupCode.h"
 #include "OdDbDatabase.h"
+#include "OdDbDimStyleTableRecord.h"
 #include "OdDbObject.h"
 #include "OdDbRegAppTableRecord.h"
 #include "OdDbSymbolTable.h"
@@ -28,6 +29,70 @@ std::size_t bodyStart(const DxfObject& obj) {
 bool isReferenceCode(int code) {
   return (code >= 320 && code <= 369) || (code >= 390 && code <= 399) ||
          (code >= 480 && code <= 481);
+}
+
+// Group codes of layers and linetypes that files store only from a release on ($ACADVER's
+// number): a copy into an older drawing leaves them out.
+struct LaterCode {
+  OdDbDatabaseImpl::TableKind kind;
+  int code;
+  int since;
+};
+const LaterCode kLaterCodes[] = {
+    // Layers: plotting, lineweight and plot style; true colour and colour name; material.
+    {OdDbDatabaseImpl::kLayer, 290, 1015},
+    {OdDbDatabaseImpl::kLayer, 370, 1015},
+    {OdDbDatabaseImpl::kLayer, 390, 1015},
+    {OdDbDatabaseImpl::kLayer, 420, 1018},
+    {OdDbDatabaseImpl::kLayer, 430, 1018},
+    {OdDbDatabaseImpl::kLayer, 347, 1021},
+    // Linetypes: the shapes and texts of complex patterns.
+    {OdDbDatabaseImpl::kLtype, 9, 1012},
+    {OdDbDatabaseImpl::kLtype, 44, 1012},
+    {OdDbDatabaseImpl::kLtype, 45, 1012},
+    {OdDbDatabaseImpl::kLtype, 46, 1012},
+    {OdDbDatabaseImpl::kLtype, 50, 1012},
+    {OdDbDatabaseImpl::kLtype, 74, 1012},
+    {OdDbDatabaseImpl::kLtype, 75, 1012},
+    {OdDbDatabaseImpl::kLtype, 340, 1012},
+};
+
+// Drops from a record's `body` the codes files of release `version` do not store (the
+// extended data is kept: every release with tables stores it).
+void keepCodesOf(OdDbDatabaseImpl::TableKind kind, int version, std::vector<DxfTag>& body) {
+  if (version == 0) return;
+  std::vector<DxfTag> kept;
+  bool xdata = false;
+  for (const DxfTag& t : body) {
+    xdata = xdata || t.code == 1001;
+    bool keep = true;
+    for (const LaterCode& later : kLaterCodes)
+      if (!xdata && later.kind == kind && later.code == t.code && version < later.since)
+        keep = false;
+    if (keep) kept.push_back(t);
+  }
+  body.swap(kept);
+}
+
+// Drops the dimension variables of a DIMSTYLE's `body` that files of release `version` do
+// not store, so that a copy into an older drawing writes nothing its release cannot hold.
+void keepDimVarsOf(int version, std::vector<DxfTag>& body) {
+  if (version == 0) return;
+  std::vector<DxfTag> kept;
+  bool flags = false;
+  bool inGroup = false;
+  bool xdata = false;
+  for (const DxfTag& t : body) {
+    xdata = xdata || t.code == 1001;
+    if (t.code == 102) inGroup = !inGroup;
+    bool keep = xdata || inGroup || t.code == 100 || t.code == 102 || t.code == 2;
+    if (!keep && t.code == 70 && !flags) keep = flags = true;  // the record's flags
+    if (!keep)
+      keep = OdDbDimStyleTableRecord::dimVarName(t.code).isEmpty() ||
+             OdDbDimStyleTableRecord::isDimVarHeldBy(t.code, version);
+    if (keep) kept.push_back(t);
+  }
+  body.swap(kept);
 }
 
 }  // namespace
@@ -121,6 +186,10 @@ OdDbObjectId OdDbCloner::clone(OdDbStub* record, OdDbDatabaseImpl::TableKind kin
       if (t.code != 100 && (t.code < 280 || t.code >= 1000)) kept.push_back(t);
     body.swap(kept);
   }
+  if (kind == OdDbDatabaseImpl::kDimstyle)
+    keepDimVarsOf(doc.versionNumber(), body);
+  else
+    keepCodesOf(kind, doc.versionNumber(), body);
   // Claim the mapping first: records that refer back to this one then find it.
   if (existing)
     map_.assign(OdDbIdPair(OdDbObjectId(record), OdDbObjectId(existing), true, primary));

@@ -16,9 +16,19 @@ class OdDbDimStyleTableRecord : public OdDbSymbolTableRecord {
   static OdString dimVarName(int code);
   // Every variable's group code, in the order files write them.
   static const std::vector<int>& dimVarCodes();
+  // Whether files of release `versionNumber` (OdDbDatabase::versionNumber(), 0 for a file
+  // that names none: every code then counts) store the variable under `code`. Later
+  // releases added variables, and release 2000 moved the arrow blocks from names (5-7) to
+  // references (342-344). False for a code that is no dimension variable.
+  static bool isDimVarHeldBy(int code, int versionNumber);
+  // The value a style that does not store the variable under `code` stands for (those of a
+  // new imperial drawing; angles in degrees as the record stores them, texts empty), or
+  // null for a reference (a missing one refers to nothing) and a code that is no variable.
+  static OdResBufPtr dimVarDefault(int code);
 
   // The value the style stores for the variable under `code` (a buffer of that type), or
-  // null when the style does not store it (the drawing's default applies).
+  // null when the style does not store it (dimVarDefault applies). DIMTFILLCLR (70) is the
+  // group 70 after the record's flags.
   OdResBufPtr getDimVar(int code) const;
   OdResBufPtr getDimVar(const OdString& name) const { return getDimVar(dimVarCode(name)); }
   // Stores the buffer's value under its type. Throws OdError(eInvalidInput) for a type that

@@ -71,7 +71,7 @@ TEST_F(DimstylePluginTest, ReportsVariablesAndNamesAndFixesEachKindExactly) {
   }
   EXPECT_EQ(rows,
             (std::vector<std::string>{"DIMSCALE: 96.0000 -> 48.0000", "DIMCLRD: yellow -> red",
-                                      "DIMTXSTY: (not set) -> Notes"}));
+                                      "DIMTXSTY: Standard -> Notes"}));
 
   plugin_->fixError(reported[0].error.get(), reported[0].fixObjects[0].get());
   EXPECT_TRUE(reported[0].error->flags() & st::kStErrorFixed);

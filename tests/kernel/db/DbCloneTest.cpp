@@ -1,8 +1,11 @@
-// Copying records from a standards drawing into a checked drawing.
+// Copying records from a standards drawing into a checked drawing, also into a drawing of an
+// older release, which gets only what its release stores.
 
 #include <gtest/gtest.h>
 
 #include "DbTestSupport.h"
+#include "OdDbDimStyleTable.h"
+#include "OdDbDimStyleTableRecord.h"
 #include "OdDbLayerTable.h"
 #include "OdDbLayerTableRecord.h"
 #include "OdDbLinetypeTable.h"
@@ -138,6 +141,56 @@ TEST(DbClone, TextStylesFromARealStandardsDrawing) {
       dir.path() / "styles.dxf");
   EXPECT_EQ(result.exitCode, 0) << result.output;
   EXPECT_NE(result.output.find("errors 0"), std::string::npos) << result.output;
+}
+
+// Dimension styles of a real R2018 drawing (a text fill colour in the group 70 after the
+// flags, linetypes and lineweights of later releases) copied into R12 and R2000 drawings.
+TEST(DbClone, DimensionStylesIntoOlderReleasesKeepOnlyWhatTheyStore) {
+  auto source = dbtest::corpusFile("r2018_acsharp_sample_ascii.dxf");
+  if (source.empty()) GTEST_SKIP() << "the shared corpus is absent";
+  OdDbDatabasePtr standard = OdDbDatabase::readFile(source);
+  OdDbDimStyleTablePtr styles = standard->getDimStyleTableId().safeOpenObject();
+  const OdDbObjectId fill = styles->getAt(L"custom_dim_style");
+  const OdDbObjectId lines = styles->getAt(L"custom_style_ltypes");
+  {
+    OdDbDimStyleTableRecordPtr style = fill.safeOpenObject(OdDb::kForWrite);
+    EXPECT_EQ(style->flags(), 0);
+    EXPECT_EQ(style->getDimVar(L"DIMTFILL")->getInt16(), 2);
+    EXPECT_EQ(style->getDimVar(L"DIMTFILLCLR")->getInt16(), 97);
+    style->setDimVar(OdResBuf::newRb(70, 5).get());
+    EXPECT_EQ(style->getDimVar(L"DIMTFILLCLR")->getInt16(), 5);
+    EXPECT_EQ(style->flags(), 0) << "the flags are not the fill colour";
+    EXPECT_TRUE(style->getDimVar(L"DIMASZ").isNull());
+    EXPECT_DOUBLE_EQ(OdDbDimStyleTableRecord::dimVarDefault(41)->getDouble(), 0.18);
+  }
+  const struct {
+    const char* file;
+    int version;
+  } targets[] = {{"r12_acsharp_sample_ascii.dxf", 1009}, {"r2000_ezdxf_mtext_columns.dxf", 1015}};
+  testsupport::TempDir dir;
+  for (const auto& target : targets) {
+    OdDbDatabasePtr drawing = OdDbDatabase::readFile(dbtest::corpusFile(target.file));
+    ASSERT_EQ(drawing->versionNumber(), target.version);
+    for (const OdDbObjectId& id : {fill, lines}) {
+      OdDbDimStyleTableRecordPtr copy =
+          cloneOne(*standard, id, drawing->getDimStyleTableId(), OdDb::kDrcIgnore).safeOpenObject();
+      EXPECT_FALSE(copy->getDimVar(L"DIMCLRD").isNull()) << "every release stores it";
+      for (int code : OdDbDimStyleTableRecord::dimVarCodes())
+        EXPECT_TRUE(copy->getDimVar(code).isNull() ||
+                    OdDbDimStyleTableRecord::isDimVarHeldBy(code, target.version))
+            << target.file << ": " << copy->getName().toUtf8() << " keeps group " << code;
+    }
+    const auto saved = dir.path() / target.file;
+    drawing->writeFile(saved);
+    auto result = dbtest::ezdxf(
+        "doc = ezdxf.readfile(path)\n"
+        "s = doc.dimstyles.get('custom_dim_style')\n"
+        "print(doc.dxfversion, s.dxf.dimclrd, s.dxf.dimclre, s.dxf.dimclrt)\n",
+        saved);
+    EXPECT_EQ(result.exitCode, 0) << result.output;
+    EXPECT_EQ(result.output,
+              (target.version == 1009 ? "AC1009" : "AC1015") + std::string(" 86 183 151\n"));
+  }
 }
 
 }  // namespace
