@@ -272,10 +272,13 @@ TEST(StcheckCommands, StandardsPluginsAndSettingsChangeWhatTheNextCheckSees) {
   auto run = project.stcheck({"check", "floor-plan.dxf"});
   EXPECT_NE(run.output.find("C-TOPO"), std::string::npos) << run.output;
 
-  auto plugins = project.stcheck({"plugins", "--disable", "StDWSLayerPlugin"});
+  // A class name in any case switches the registered plug-in, for this run and the next.
+  auto plugins = project.stcheck({"plugins", "--disable", "stdwslayerplugin"});
   EXPECT_EQ(plugins.exitCode, 0) << plugins.output;
   EXPECT_NE(plugins.output.find("StDWSLayerPlugin         off"), std::string::npos)
       << plugins.output;
+  EXPECT_EQ(project.stcheck({"plugins"}).output, plugins.output);
+  EXPECT_EQ(readBytes(project.file("config.json")).find("stdwslayerplugin"), std::string::npos);
   run = project.stcheck({"check", "floor-plan.dxf"});
   EXPECT_EQ(run.output.find("Layers"), std::string::npos) << run.output;
   EXPECT_NE(run.output.find("Linetypes"), std::string::npos) << run.output;
