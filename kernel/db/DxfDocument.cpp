@@ -358,7 +358,14 @@ void DxfDocument::setHeaderVariable(std::string_view name, const std::vector<Dxf
 std::string DxfDocument::describePosition(const DxfTag& tag) const {
   if (tag.isInPool()) return "a changed tag";
   std::size_t offset = std::min<std::size_t>(tag.offset(), bytes_.size());
-  if (layout_.format == DxfFormat::kBinary) return "byte offset " + std::to_string(offset);
+  if (layout_.format == DxfFormat::kBinary) {
+    // The tag remembers where its value starts; it starts at its group code, as the reader's
+    // positions do: two bytes of code, or one (three with the escape byte for codes outside
+    // 0-254) in early files, and a chunk's length byte.
+    std::size_t head = layout_.twoByteCodes ? 2 : (tag.code >= 0 && tag.code < 255 ? 1 : 3);
+    if (DxfGroupCode::valueType(tag.code) == DxfValueType::kBinary) ++head;
+    return "byte offset " + std::to_string(offset >= head ? offset - head : 0);
+  }
   // The value line follows the code line: report the line of the group code.
   std::size_t lines =
       static_cast<std::size_t>(std::count(bytes_.data(), bytes_.data() + offset, '\n'));

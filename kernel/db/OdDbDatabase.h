@@ -36,7 +36,8 @@ class OdDbDatabase : public OdRxObject {
   static OdDbDatabasePtr createEmpty();
   // Reads a DXF file, ASCII or binary, of any release. Throws OdError from the file layer:
   // eFileNotFound, eFileAccessError, eDwgNotSupported, or eBadDxfFile with file, line (or
-  // byte offset) and group code.
+  // byte offset) and group code. A symbol table holding a record of another type than its
+  // own is malformed too (eBadDxfFile at that record's group 0).
   static OdDbDatabasePtr readFile(const std::filesystem::path& path);
   // Reads a drawing held in memory; `name` stands for it in error messages.
   static OdDbDatabasePtr readBuffer(std::string bytes, const std::string& name);

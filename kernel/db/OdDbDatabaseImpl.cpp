@@ -18,6 +18,14 @@ std::wstring upperKey(const OdString& name) {
   return key.str();
 }
 
+// An object type for a message, quoted: printable ASCII kept, other bytes as '?', cut short.
+std::string quoted(std::string_view type) {
+  std::string out = "'";
+  for (unsigned char c : type.substr(0, 40))
+    out.push_back(c >= 0x20 && c < 0x7F ? static_cast<char>(c) : '?');
+  return out + (type.size() > 40 ? "...'" : "'");
+}
+
 bool isSubEntity(std::string_view type) {
   return type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
 }
@@ -152,7 +160,19 @@ void OdDbDatabaseImpl::indexTables(std::size_t section) {
     while (!name.empty() && name.back() == ' ') name.remove_suffix(1);
     while (!name.empty() && name.front() == ' ') name.remove_prefix(1);
     TableKind kind = kindOfRecordType(name);
-    if (kind != kTableKinds && !tables_[kind]) tables_[kind] = slots_[section][i];
+    if (kind == kTableKinds) continue;
+    if (!tables_[kind]) tables_[kind] = slots_[section][i];
+    // Everything up to the table's end is one of its records (see tableRecords). A record of
+    // another type would be listed as a record and then fail every typed open, or be passed
+    // over in silence by whoever skips what does not open: the file is refused here instead.
+    for (std::size_t r = i + 1; r < objects.size(); ++r) {
+      std::string_view type = objects[r].type();
+      if (type == "ENDTAB" || type == "TABLE") break;
+      if (type != recordType(kind))
+        doc_->fail(objects[r].tag(0), "a record of type " + quoted(type) + " in the " +
+                                          tableName(kind) + " table, which holds only " +
+                                          recordType(kind) + " records");
+    }
   }
 }
 

@@ -50,7 +50,9 @@ class OdDbDatabaseImpl {
   OdDbDatabaseImpl(const OdDbDatabaseImpl&) = delete;
   OdDbDatabaseImpl& operator=(const OdDbDatabaseImpl&) = delete;
 
-  // Takes the document and indexes it.
+  // Takes the document and indexes it. A symbol table that holds a record of another type
+  // (a LAYERX among the LAYER records) makes the file malformed: throws OdError(eBadDxfFile)
+  // naming the file, the record's line (or byte offset) and group code 0.
   void load(std::unique_ptr<DxfDocument> doc);
   DxfDocument& doc() const noexcept { return *doc_; }
   OdDbDatabase* self() const noexcept { return self_; }

@@ -16,7 +16,10 @@ OdDbObjectId StTableProxyImpl::getAt(std::uint32_t index) const {
 
 bool StTableProxyImpl::fill(const OdDbObjectId& tableId) {
   if (tableId.isNull()) return false;
-  OdDbSymbolTablePtr table = tableId.safeOpenObject();
+  // An erased table does not open: no proxy rather than an error, as for a block.
+  OdDbObjectPtr object = tableId.openObject();
+  if (!object) return false;
+  OdDbSymbolTablePtr table = object;
   for (OdDbSymbolTableIteratorPtr it = table->newIterator(true, true); !it->done(); it->step())
     ids_.append(it->getRecordId());
   return true;

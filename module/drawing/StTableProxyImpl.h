@@ -10,9 +10,9 @@ class ST_EXPORT StTableProxyImpl : public StTableProxy {
   std::uint32_t count() const override;
   OdDbObjectId getAt(std::uint32_t index) const override;
 
-  // Appends the ids of the live records of the symbol table `tableId`. False for a null id,
-  // when nothing is added; an object that is not a symbol table throws
-  // OdError_NotThatKindOfClass, one that does not open the kernel's OdError.
+  // Appends the ids of the live records of the symbol table `tableId`. False, with nothing
+  // added, for a null id or a table that does not open (erased); an object that is not a
+  // symbol table throws OdError_NotThatKindOfClass.
   bool fill(const OdDbObjectId& tableId);
 
  protected:

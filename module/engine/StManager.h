@@ -47,8 +47,9 @@ class ST_EXPORT StManager : public OdRxObject {
   // not open.
   virtual StBlockProxyPtr getModelSpaceProxy(OdDbDatabase* db) = 0;
   virtual StBlockProxyPtr getPaperSpaceProxy(OdDbDatabase* db) = 0;
-  // The ids of the records of the symbol table `tableId`; null for a null id. An object that
-  // is no symbol table throws OdError_NotThatKindOfClass.
+  // The ids of the records of the symbol table `tableId`; null for a null id or a table that
+  // does not open (an erased one). An object that is no symbol table throws
+  // OdError_NotThatKindOfClass.
   virtual StTableProxyPtr getTableProxy(const OdDbObjectId& tableId) = 0;
   // The standards files associated with `db` (null: the host's current drawing), in the
   // association's order; empty when there is no association or it cannot be read.

@@ -405,11 +405,18 @@ void StManagerImpl::refreshPlugins() {
     if (!info.inUse || findIgnoringCase(info.className) != plugins_.end()) continue;
     OdRxObjectPtr created = odrxCreateObject(info.className);
     StDWSPluginPtr plugin = StDWSPlugin::cast(created.get());
+    auto reported =
+        std::find_if(uncreatable_.begin(), uncreatable_.end(),
+                     [&](const OdString& name) { return name.iCompare(info.className) == 0; });
     if (plugin.isNull()) {
+      // Every refresh tries again, but the user hears of a class once for this drawing.
+      if (reported != uncreatable_.end()) continue;
+      uncreatable_.push_back(info.className);
       if (HostServices* host = hostServices())
-        host->cmdPrint(stFormatString(kStrFailedToCreatePlugin, info.className));
+        host->cmdPrint(stFormatString(kStrFailedToCreatePluginObject, info.className));
       continue;
     }
+    if (reported != uncreatable_.end()) uncreatable_.erase(reported);
     registerPlugin(plugin.get());
   }
   for (auto it = plugins_.begin(); it != plugins_.end();) {

@@ -84,9 +84,10 @@ class ST_EXPORT StManagerImpl : public StManager,
   void detach();
   // Brings the manager up to date for its drawing. First the plug-ins, with the plug-in
   // registry: creates by class name every registered plug-in in use that is missing,
-  // printing "Failed to create plugin: ..." on the command line for a class that cannot be
-  // made, and drops every plug-in the registry has switched off; plug-ins the registry does
-  // not know (registered directly) stay. Then, when attached and idle, restartCheck, so
+  // printing "Failed to create plugin object ..." on the command line for a class that cannot
+  // be made (once per class for this manager, though every refresh tries again), and drops
+  // every plug-in the registry has switched off; plug-ins the registry does not know
+  // (registered directly) stay. Then, when attached and idle, restartCheck, so
   // that the plug-ins know the drawing and its standards files for watching (which tells
   // the listeners standardsChanged, or missingStandardsFile when a file is missing
   // or is not a drawing).
@@ -161,6 +162,8 @@ class ST_EXPORT StManagerImpl : public StManager,
   StErrorAccumulator* sink_ = nullptr;
   int mode_ = 0;
 
+  // Registered classes that could not be created and were reported so.
+  std::vector<OdString> uncreatable_;
   StDbReactorPtr dbReactor_;
   StManagerReactor* statusListener_ = nullptr;
   OdDbObjectId pending_;

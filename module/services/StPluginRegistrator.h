@@ -16,8 +16,9 @@ namespace st {
 // class, the first library's entry answers.
 class ST_EXPORT StPluginRegistrator : public StService {
  public:
-  // Switch a plug-in in or out of use, in memory and in the configuration tree. An unknown
-  // class name changes nothing.
+  // Switch a plug-in in or out of use, in memory and in the configuration tree, where the
+  // switch is written under the class name as registered, however `className` is spelled.
+  // An unknown class name changes nothing.
   virtual void setPluginInUse(const OdString& className) = 0;
   virtual void setPluginNotInUse(const OdString& className) = 0;
   // True, with `info` filled, when the class is registered; false, `info` untouched,

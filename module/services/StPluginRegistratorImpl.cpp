@@ -109,10 +109,13 @@ void StPluginRegistratorImpl::setInUse(const OdString& className, bool inUse) {
   StPluginInfo* info = find(className);
   if (!info) return;
   info->inUse = inUse;
-  OdString library = persistenceLibrary(className);
+  // The caller may spell the class in any case; the configuration's keys are matched
+  // exactly, so the switch goes under the registered spelling, the plug-in's own key.
+  const OdString registered = info->className;
+  OdString library = persistenceLibrary(registered);
   StStateSaver* store = stStateSaver();
   if (library.isEmpty() || !store) return;
-  store->setPluginValue(library, className, OdString(config::kPluginInUse),
+  store->setPluginValue(library, registered, OdString(config::kPluginInUse),
                         OdVariant(std::int32_t{inUse ? 1 : 0}));
 }
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -24,6 +25,18 @@ using testsupport::shellQuote;
 std::string readBytes(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// Copies `from` to `to` with the first record of `table` retyped "<table>X", a record that
+// does not belong in the table; gives the line of its group code (0 when there is none).
+int copyWithForeignRecord(const fs::path& from, const fs::path& to, const std::string& table) {
+  std::string bytes = readBytes(from);
+  // Code lines may be padded ("  0"); a type follows only a group-0 line in a sound file.
+  const std::size_t at = bytes.find("0\n" + table + "\n", bytes.find("2\n" + table + "\n"));
+  if (at == std::string::npos) return 0;
+  bytes.insert(at + 2 + table.size(), "X");
+  std::ofstream(to, std::ios::binary) << bytes;
+  return static_cast<int>(std::count(bytes.begin(), bytes.begin() + at, '\n')) + 1;
 }
 
 // A project folder with the example drawings and a configuration of its own.
@@ -251,12 +264,16 @@ TEST(StcheckCheck, EveryFormatIsReadableByItsOwnKindOfReader) {
   }
 }
 
-TEST(StcheckCheck, AFolderWithACorruptDrawingIsCheckedWholeAndWorkersAgree) {
+TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsPlace) {
   Project project;
   fs::create_directories(project.file("plans/level-1"));
   fs::copy_file(project.file("floor-plan.dxf"), project.file("plans/a.dxf"));
   fs::copy_file(project.file("floor-plan.dxf"), project.file("plans/level-1/b.DXF"));
   std::ofstream(project.file("plans/broken.dxf")) << "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\n";
+  const int line = copyWithForeignRecord(project.file("floor-plan.dxf"),
+                                         project.file("plans/foreign.dxf"), "LAYER");
+  const std::string fault = "foreign.dxf: line " + std::to_string(line) +
+                            ", group code 0: a record of type 'LAYERX' in the LAYER table";
   std::ofstream(project.file("plans/notes.txt")) << "not a drawing";
   // The plans keep their association: the standards sit one folder up.
   for (const char* d : {"plans/a.dxf", "plans/level-1/b.DXF"}) {
@@ -273,8 +290,27 @@ TEST(StcheckCheck, AFolderWithACorruptDrawingIsCheckedWholeAndWorkersAgree) {
   EXPECT_NE(summary.output.find("drawing a.dxf 9 9 False"), std::string::npos) << summary.output;
   EXPECT_NE(summary.output.find("drawing broken.dxf 0 0 True"), std::string::npos);
   EXPECT_NE(summary.output.find("drawing b.DXF 9 9 False"), std::string::npos);
+  EXPECT_NE(summary.output.find("drawing foreign.dxf 0 0 True"), std::string::npos);
   EXPECT_EQ(summary.output.find("notes.txt"), std::string::npos);
   EXPECT_EQ(readBytes(project.file("one.json")), readBytes(project.file("two.json")));
+
+  // A record in a table of another type is refused with its place, by check and by info.
+  auto check = project.stcheck({"check", "plans/foreign.dxf"});
+  EXPECT_EQ(check.exitCode, 2) << check.output;
+  EXPECT_NE(check.output.find("not checked: "), std::string::npos) << check.output;
+  EXPECT_NE(check.output.find(fault), std::string::npos) << check.output;
+  auto info = project.stcheck({"info", "plans/foreign.dxf"});
+  EXPECT_EQ(info.exitCode, 2) << info.output;
+  EXPECT_EQ(info.output, "stcheck: plans/" + fault + ", which holds only LAYER records\n");
+  // The same in a standards file, which is read as a drawing.
+  const int dwsLine = copyWithForeignRecord(project.file("office-standards.dws"),
+                                            project.file("plans/broken.dws"), "LTYPE");
+  const std::string dwsFault = "broken.dws: line " + std::to_string(dwsLine) + ", group code 0";
+  info = project.stcheck({"info", "plans/broken.dws"});
+  EXPECT_EQ(info.exitCode, 2) << info.output;
+  EXPECT_NE(info.output.find(dwsFault), std::string::npos) << info.output;
+  check = project.stcheck({"check", "plans/a.dxf", "--standard", "plans/broken.dws"});
+  EXPECT_NE(check.output.find(dwsFault), std::string::npos) << check.output;
 }
 
 TEST(StcheckCommands, StandardsPluginsAndSettingsChangeWhatTheNextCheckSees) {
@@ -290,10 +326,13 @@ TEST(StcheckCommands, StandardsPluginsAndSettingsChangeWhatTheNextCheckSees) {
   auto run = project.stcheck({"check", "floor-plan.dxf"});
   EXPECT_NE(run.output.find("C-TOPO"), std::string::npos) << run.output;
 
-  auto plugins = project.stcheck({"plugins", "--disable", "StDWSLayerPlugin"});
+  // A class name in any case switches the registered plug-in, for this run and the next.
+  auto plugins = project.stcheck({"plugins", "--disable", "stdwslayerplugin"});
   EXPECT_EQ(plugins.exitCode, 0) << plugins.output;
   EXPECT_NE(plugins.output.find("StDWSLayerPlugin         off"), std::string::npos)
       << plugins.output;
+  EXPECT_EQ(project.stcheck({"plugins"}).output, plugins.output);
+  EXPECT_EQ(readBytes(project.file("config.json")).find("stdwslayerplugin"), std::string::npos);
   run = project.stcheck({"check", "floor-plan.dxf"});
   EXPECT_EQ(run.output.find("Layers"), std::string::npos) << run.output;
   EXPECT_NE(run.output.find("Linetypes"), std::string::npos) << run.output;

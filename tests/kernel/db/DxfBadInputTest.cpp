@@ -10,6 +10,7 @@
 
 #include "DxfReader.h"
 #include "DxfWriter.h"
+#include "OdDbDatabase.h"
 #include "OdError.h"
 #include "TestSupport.h"
 
@@ -83,11 +84,28 @@ TEST(DxfBadInput, EachFaultGivesOneErrorWithItsPosition) {
       {"binary without EOF",
        binary({{0, str("SECTION")}, {2, str("ENTITIES")}, {0, str("ENDSEC")}}),
        "byte offset 52: unexpected end of file: the file has no 0/EOF"},
+      // Well-formed tags, but a table holding a record that is not of its type.
+      {"foreign record in a table",
+       "0\nSECTION\n2\nTABLES\n0\nTABLE\n2\nLAYER\n0\nLAYER\n2\n0\n0\nLAYERX\n2\nA\n"
+       "0\nENDTAB\n0\nENDSEC\n0\nEOF\n",
+       "line 13, group code 0: a record of type 'LAYERX' in the LAYER table, which holds only "
+       "LAYER records"},
+      {"binary record of another table",
+       binary({{0, str("SECTION")},
+               {2, str("TABLES")},
+               {0, str("TABLE")},
+               {2, str("LTYPE")},
+               {0, str("LAYER")},
+               {0, str("ENDTAB")},
+               {0, str("ENDSEC")},
+               {0, str("EOF")}}),
+       "byte offset 57, group code 0: a record of type 'LAYER' in the LTYPE table"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     try {
-      DxfReader::readBuffer(c.bytes, "broken.dxf");
+      // Read as a drawing, so that faults found while indexing the tables count too.
+      OdDbDatabase::readBuffer(c.bytes, "broken.dxf");
       ADD_FAILURE() << "loaded";
     } catch (const OdError& e) {
       EXPECT_EQ(e.code(), eBadDxfFile);

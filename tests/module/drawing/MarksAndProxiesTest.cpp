@@ -12,6 +12,7 @@
 #include "StBlockProxy.h"
 #include "StBlockProxyImpl.h"
 #include "StIgnoreMarks.h"
+#include "StManager.h"
 #include "StTableProxy.h"
 #include "StTableProxyImpl.h"
 
@@ -112,6 +113,15 @@ TEST(Proxies, SnapshotsSkipErasedRecordsAndDoNotFollowLaterAdditions) {
   EXPECT_THROW(none->getAt(0), OdError_InvalidIndex);
   EXPECT_THROW(none->fill(db->getModelSpaceId()), OdError_NotThatKindOfClass);
   EXPECT_FALSE(block->fill(OdDbObjectId()));
+
+  // The manager hands out a proxy only for a table that opens: none for an erased one.
+  st::StManagerPtr manager = st::StManager::createObject();
+  ASSERT_TRUE(manager->getTableProxy(db->getLinetypeTableId()));
+  EXPECT_FALSE(manager->getTableProxy(OdDbObjectId()));
+  db->getLinetypeTableId().safeOpenObject(OdDb::kForWrite)->erase();
+  EXPECT_FALSE(manager->getTableProxy(db->getLinetypeTableId()));
+  EXPECT_FALSE(none->fill(db->getLinetypeTableId()));
+  EXPECT_EQ(none->count(), 0u);
 }
 
 TEST(Proxies, RegisterUnderTheirOwnNames) {

@@ -131,17 +131,19 @@ TEST(RegistryTest, InUseSwitchSurvivesTheNextHostRun) {
   ConfigFile config;
   {
     HostRun run(config.path());
-    st::stPluginRegistrator()->setPluginNotInUse(L"StDWSLinetypePlugin");
+    // Named in any case, the switch is written under the registered spelling.
+    st::stPluginRegistrator()->setPluginNotInUse(L"stdwslinetypeplugin");
     st::stPluginRegistrator()->setPluginNotInUse(L"StDWSNoSuchPlugin");
     EXPECT_EQ(registered()[1], "StDWSLinetypePlugin (off)");
   }
+  EXPECT_EQ(keys(*config.tree(), kStandard), kDefaultPlugins);
   EXPECT_EQ(
       config.tree()->getValue(child(kStandard, "StDWSLinetypePlugin"), "PluginInUse")->getInt32(),
       0);
   {
     HostRun run(config.path());
     EXPECT_EQ(registered()[1], "StDWSLinetypePlugin (off)");
-    st::stPluginRegistrator()->setPluginInUse(L"StDWSLinetypePlugin");
+    st::stPluginRegistrator()->setPluginInUse(L"STDWSLINETYPEPLUGIN");
   }
   {
     HostRun run(config.path());
