@@ -185,6 +185,8 @@ DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, Draw
     for (const std::string& file : report.standards) {
       std::string reason = unreadableReason(file);
       if (reason.empty()) continue;
+      // The reader's messages start with the file they are about, which is named here already.
+      if (reason.rfind(file + ": ", 0) == 0) reason.erase(0, file.size() + 2);
       report.error = "cannot read standards file " + file + ": " + reason;
       report.problems.clear();
       return report;
