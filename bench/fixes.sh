@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # stcheck on a drawing of non-standard layers against a standard of as many layers, as a user
 # runs it, in every report format: each such layer has every standard layer as a candidate fix
-# and the reports list the closest ones.
+# and the reports list the closest ones. The peer is ezdxf reading the same two files.
 #
 #   bench/fixes.sh
 #
@@ -28,9 +28,15 @@ export STAUDIT_CONFIG=$work/config.json  # the defaults, whatever the user confi
 echo "== generating $layers layers against $layers"
 "$bin/make_name_bench" plan.dxf standard.dws --layers "$layers"
 
+# The peer, measured in the same run: ezdxf reading the same two files, nothing more.
+/usr/bin/time -f '%e %M' -o peer.txt /usr/bin/python3 -c 'import sys,ezdxf
+for f in sys.argv[1:]: ezdxf.readfile(f)' plan.dxf standard.dws
+read -r peerWall peerRss < <(tail -n 1 peer.txt)
+
 {
   echo "stcheck check: $layers non-standard layers against a standard of $layers layers"
-  printf '%-8s %10s %14s %14s\n' "format" "wall s" "peak RSS MB" "report MB"
+  echo "peer: ezdxf reading the drawing and the standard, ${peerWall} s, $((peerRss / 1024)) MB"
+  printf '%-8s %10s %14s %14s %14s\n' "format" "wall s" "peak RSS MB" "report MB" "ezdxf/stcheck"
   for format in text json html junit sarif; do
     status=0
     /usr/bin/time -f '%e %M' -o time.txt "$bin/stcheck" check plan.dxf --standard standard.dws \
@@ -41,7 +47,9 @@ echo "== generating $layers layers against $layers"
     fi
     # (time puts a line about the exit status first)
     read -r wall rss < <(tail -n 1 time.txt)
-    printf '%-8s %10.2f %14.1f %14.2f\n' "$format" "$wall" "$(echo "$rss" | awk '{print $1/1024}')" \
-      "$(stat -c %s "report.$format" | awk '{print $1/1e6}')"
+    printf '%-8s %10.2f %14.1f %14.2f %14.2f\n' "$format" "$wall" \
+      "$(echo "$rss" | awk '{print $1/1024}')" \
+      "$(stat -c %s "report.$format" | awk '{print $1/1e6}')" \
+      "$(awk -v p="$peerWall" -v w="$wall" 'BEGIN{print (w > 0 ? p / w : 0)}')"
   done
 } | tee report.txt
