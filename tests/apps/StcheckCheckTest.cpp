@@ -302,15 +302,6 @@ TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsP
   auto info = project.stcheck({"info", "plans/foreign.dxf"});
   EXPECT_EQ(info.exitCode, 2) << info.output;
   EXPECT_EQ(info.output, "stcheck: plans/" + fault + ", which holds only LAYER records\n");
-  // The same in a standards file, which is read as a drawing.
-  const int dwsLine = copyWithForeignRecord(project.file("office-standards.dws"),
-                                            project.file("plans/broken.dws"), "LTYPE");
-  const std::string dwsFault = "broken.dws: line " + std::to_string(dwsLine) + ", group code 0";
-  info = project.stcheck({"info", "plans/broken.dws"});
-  EXPECT_EQ(info.exitCode, 2) << info.output;
-  EXPECT_NE(info.output.find(dwsFault), std::string::npos) << info.output;
-  check = project.stcheck({"check", "plans/a.dxf", "--standard", "plans/broken.dws"});
-  EXPECT_NE(check.output.find(dwsFault), std::string::npos) << check.output;
 }
 
 TEST(StcheckCommands, StandardsPluginsAndSettingsChangeWhatTheNextCheckSees) {
