@@ -76,6 +76,12 @@ TEST(StcheckStandardsFiles, OldDrawingsAreCheckedAgainstStandardsOfTheRunOnly) {
   EXPECT_NE(run.output.find("release 12 or older (AC1009)"), std::string::npos) << run.output;
   EXPECT_NE(run.output.find("--standard"), std::string::npos) << run.output;
   EXPECT_EQ(readBytes(r12), original);
+  // Nor can a later drawing written without its objects section.
+  fs::copy_file(testsupport::corpusDir() / "r2000_cadviewer_minimal_line.dxf",
+                temp.path() / "line.dxf");
+  run = stcheckIn(temp.path(), config, {"standards", "line.dxf", "--add", "office.dws"});
+  EXPECT_EQ(run.exitCode, 2) << run.output;
+  EXPECT_NE(run.output.find("no named-object dictionary"), std::string::npos) << run.output;
 }
 
 TEST(StcheckStandardsFiles, AStandardsFileThatIsNoDrawingStopsTheCheckAsAMissingOneDoes) {
