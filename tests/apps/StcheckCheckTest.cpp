@@ -19,13 +19,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using testsupport::ProcessResult;
+using testsupport::readBytes;
 using testsupport::runCommand;
 using testsupport::shellQuote;
-
-std::string readBytes(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 // Copies `from` to `to` with the first record of `table` retyped "<table>X", a record that
 // does not belong in the table; gives the line of its group code (0 when there is none).
@@ -52,11 +48,7 @@ class Project {
 
   // Runs stcheck from the project folder.
   ProcessResult stcheck(const std::vector<std::string>& args) const {
-    std::string line = "cd " + shellQuote(dir().string()) +
-                       " && STAUDIT_CONFIG=" + shellQuote((dir() / "config.json").string()) + " " +
-                       shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
-    for (const auto& a : args) line += " " + shellQuote(a);
-    return runCommand(line);
+    return testsupport::runStcheckIn(dir(), dir() / "config.json", args);
   }
 
   // Runs a Python snippet over files, with sys.argv[1:] the arguments.

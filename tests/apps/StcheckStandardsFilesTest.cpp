@@ -14,23 +14,10 @@ namespace {
 
 namespace fs = std::filesystem;
 using testsupport::ProcessResult;
+using testsupport::readBytes;
 using testsupport::runCommand;
+using testsupport::runStcheckIn;
 using testsupport::shellQuote;
-
-std::string readBytes(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-// stcheck started in `cwd` with the configuration file `config`.
-ProcessResult stcheckIn(const fs::path& cwd, const fs::path& config,
-                        const std::vector<std::string>& args) {
-  std::string line = "cd " + shellQuote(cwd.string()) +
-                     " && STAUDIT_CONFIG=" + shellQuote(config.string()) + " " +
-                     shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
-  for (const auto& a : args) line += " " + shellQuote(a);
-  return runCommand(line);
-}
 
 TEST(StcheckStandardsFiles, EveryCorpusDrawingMeetsACopyOfItself) {
   if (testsupport::corpusDir().empty()) GTEST_SKIP() << "no corpus at " << STAUDIT_CORPUS_DIR;
@@ -40,14 +27,14 @@ TEST(StcheckStandardsFiles, EveryCorpusDrawingMeetsACopyOfItself) {
   for (const fs::path& drawing : testsupport::corpusDrawings()) {
     // Drawings broken on purpose are the reader's tests; every other one must be read.
     const std::string name = drawing.filename().string();
-    if (stcheckIn(temp.path(), config, {"info", drawing.string()}).exitCode != 0) {
+    if (runStcheckIn(temp.path(), config, {"info", drawing.string()}).exitCode != 0) {
       EXPECT_TRUE(name.rfind("bad_", 0) == 0 || name.rfind("preR12_r1.4", 0) == 0) << name;
       continue;
     }
     const fs::path standard = temp.path() / (drawing.stem().string() + ".dws");
     fs::copy_file(drawing, standard, fs::copy_options::overwrite_existing);
-    auto run = stcheckIn(temp.path(), config,
-                         {"check", drawing.string(), "--standard", standard.string()});
+    auto run = runStcheckIn(temp.path(), config,
+                            {"check", drawing.string(), "--standard", standard.string()});
     EXPECT_EQ(run.exitCode, 0) << drawing.filename() << "\n" << run.output;
     ++checked;
   }
@@ -65,13 +52,13 @@ TEST(StcheckStandardsFiles, OldDrawingsAreCheckedAgainstStandardsOfTheRunOnly) {
                 temp.path() / "office.dws");
 
   // Against other standards, its own layers are non-standard, and a check leaves it as it was.
-  auto run = stcheckIn(temp.path(), config, {"check", "meter.dxf", "--standard", "office.dws"});
+  auto run = runStcheckIn(temp.path(), config, {"check", "meter.dxf", "--standard", "office.dws"});
   EXPECT_EQ(run.exitCode, 1) << run.output;
   EXPECT_NE(run.output.find("non-standard name"), std::string::npos) << run.output;
   EXPECT_EQ(readBytes(r12), original);
 
   // It cannot keep a list, and stcheck says why and what to do instead.
-  run = stcheckIn(temp.path(), config, {"standards", "meter.dxf", "--add", "office.dws"});
+  run = runStcheckIn(temp.path(), config, {"standards", "meter.dxf", "--add", "office.dws"});
   EXPECT_EQ(run.exitCode, 2) << run.output;
   EXPECT_NE(run.output.find("release 12 or older (AC1009)"), std::string::npos) << run.output;
   EXPECT_NE(run.output.find("--standard"), std::string::npos) << run.output;
@@ -79,7 +66,7 @@ TEST(StcheckStandardsFiles, OldDrawingsAreCheckedAgainstStandardsOfTheRunOnly) {
   // Nor can a later drawing written without its objects section.
   fs::copy_file(testsupport::corpusDir() / "r2000_cadviewer_minimal_line.dxf",
                 temp.path() / "line.dxf");
-  run = stcheckIn(temp.path(), config, {"standards", "line.dxf", "--add", "office.dws"});
+  run = runStcheckIn(temp.path(), config, {"standards", "line.dxf", "--add", "office.dws"});
   EXPECT_EQ(run.exitCode, 2) << run.output;
   EXPECT_NE(run.output.find("no named-object dictionary"), std::string::npos) << run.output;
 }
@@ -97,9 +84,9 @@ TEST(StcheckStandardsFiles, AStandardsFileThatIsNoDrawingStopsTheCheckAsAMissing
 
   for (const char* bad : {"empty.dws", "notes.dws", "cut.dws"}) {
     const std::string full = (temp.path() / bad).string();
-    auto run = stcheckIn(temp.path(), config,
-                         {"check", "plan.dxf", "--standard", "office.dws", "--standard", bad,
-                          "--format", "json", "-o", "r.json"});
+    auto run = runStcheckIn(temp.path(), config,
+                            {"check", "plan.dxf", "--standard", "office.dws", "--standard", bad,
+                             "--format", "json", "-o", "r.json"});
     EXPECT_EQ(run.exitCode, 2) << bad << ": " << run.output;
     auto report = testsupport::runCommand(
         std::string(STAUDIT_PYTHON) +
@@ -110,7 +97,7 @@ TEST(StcheckStandardsFiles, AStandardsFileThatIsNoDrawingStopsTheCheckAsAMissing
         << report.output;
     EXPECT_NE(report.output.find("\n0\n"), std::string::npos) << report.output;
 
-    run = stcheckIn(temp.path(), config, {"standards", "plan.dxf", "--add", bad});
+    run = runStcheckIn(temp.path(), config, {"standards", "plan.dxf", "--add", bad});
     EXPECT_EQ(run.exitCode, 2) << run.output;
     EXPECT_NE(run.output.find(std::string(bad) + " is not a standards drawing"), std::string::npos)
         << run.output;
@@ -129,12 +116,12 @@ TEST(StcheckStandardsFiles, RelativePathsAreFoundFromTheDrawingThenTheSupportFol
   fs::copy_file(examples / "office-standards.dws", temp.path() / "project/std/office.dws");
   fs::copy_file(examples / "site-standards.dws", temp.path() / "office/site.dws");
 
-  auto run = stcheckIn(temp.path() / "project", config,
-                       {"standards", "plan.dxf", "--clear", "--add", "std/office.dws"});
+  auto run = runStcheckIn(temp.path() / "project", config,
+                          {"standards", "plan.dxf", "--clear", "--add", "std/office.dws"});
   ASSERT_EQ(run.exitCode, 0) << run.output;
   // Started from another folder, the check finds the file beside the drawing.
-  run = stcheckIn(temp.path() / "elsewhere", config,
-                  {"check", "../project/plan.dxf", "--format", "json", "-o", "r.json"});
+  run = runStcheckIn(temp.path() / "elsewhere", config,
+                     {"check", "../project/plan.dxf", "--format", "json", "-o", "r.json"});
   EXPECT_EQ(run.exitCode, 1) << run.output;
   EXPECT_NE(readBytes(temp.path() / "elsewhere/r.json")
                 .find("\"" + (temp.path() / "project/std/office.dws").string() + "\""),
@@ -149,15 +136,16 @@ TEST(StcheckStandardsFiles, RelativePathsAreFoundFromTheDrawingThenTheSupportFol
   const fs::path unset = temp.path() / "unset.json";
   // Stored by its bare name, as a drawing made in another office names it.
   fs::copy_file(temp.path() / "office/site.dws", temp.path() / "project/site.dws");
-  run = stcheckIn(temp.path() / "project", unset, {"standards", "plan.dxf", "--add", "site.dws"});
+  run =
+      runStcheckIn(temp.path() / "project", unset, {"standards", "plan.dxf", "--add", "site.dws"});
   ASSERT_EQ(run.exitCode, 0) << run.output;
   fs::remove(temp.path() / "project/site.dws");
 
-  run = stcheckIn(temp.path() / "elsewhere", unset, {"check", "../project/plan.dxf"});
+  run = runStcheckIn(temp.path() / "elsewhere", unset, {"check", "../project/plan.dxf"});
   EXPECT_EQ(run.exitCode, 2) << run.output;
   EXPECT_NE(run.output.find((temp.path() / "project/site.dws").string()), std::string::npos)
       << run.output;
-  run = stcheckIn(temp.path() / "elsewhere", config, {"check", "../project/plan.dxf"});
+  run = runStcheckIn(temp.path() / "elsewhere", config, {"check", "../project/plan.dxf"});
   EXPECT_EQ(run.exitCode, 1) << run.output;
   EXPECT_EQ(run.output.find("not found"), std::string::npos) << run.output;
 }

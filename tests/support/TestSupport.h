@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -34,6 +36,12 @@ inline ProcessResult runCommand(const std::string& commandLine) {
   return result;
 }
 
+// The whole content of a file; empty when it cannot be read.
+inline std::string readBytes(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
 // Quotes one argument for the shell.
 inline std::string shellQuote(const std::string& arg) {
   std::string quoted = "'";
@@ -44,6 +52,18 @@ inline std::string shellQuote(const std::string& arg) {
 // Runs the built stcheck with the given arguments (each quoted).
 inline ProcessResult runStcheck(const std::vector<std::string>& args) {
   std::string line = shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
+  for (const auto& a : args) line += " " + shellQuote(a);
+  return runCommand(line);
+}
+
+// Runs the built stcheck from the folder `cwd` with the configuration file `config`, as a user
+// whose configuration lives there runs it.
+inline ProcessResult runStcheckIn(const std::filesystem::path& cwd,
+                                  const std::filesystem::path& config,
+                                  const std::vector<std::string>& args) {
+  std::string line = "cd " + shellQuote(cwd.string()) +
+                     " && STAUDIT_CONFIG=" + shellQuote(config.string()) + " " +
+                     shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
   for (const auto& a : args) line += " " + shellQuote(a);
   return runCommand(line);
 }

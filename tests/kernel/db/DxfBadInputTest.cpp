@@ -17,6 +17,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using testsupport::readBytes;
 
 const std::string kSentinel("AutoCAD Binary DXF\r\n\x1a\0", 22);
 
@@ -33,11 +34,6 @@ std::string binary(std::initializer_list<std::pair<int, std::string>> tags) {
 
 std::string str(const std::string& s) {
   return s + std::string(1, '\0');
-}
-
-std::string readBytes(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 void writeBytes(const fs::path& path, const std::string& bytes) {

@@ -20,17 +20,13 @@
 namespace {
 
 namespace fs = std::filesystem;
+using testsupport::readBytes;
 
 // Drawings that are not marked bad but cannot reasonably load, and why.
 const std::map<std::string, std::string> kUnreadable = {
     {"preR12_r1.4_libredwg_entities.dxf",
      "an R1.4-era file whose first line is 'EXTENTS,1': not group-code/value pairs at all"},
 };
-
-std::string readBytes(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 bool isBad(const fs::path& path) {
   return path.filename().string().rfind("bad_", 0) == 0;
