@@ -15,11 +15,12 @@ constexpr int kReleaseR2000 = 1015;  // lineweights, plotting and plot styles of
 constexpr int kReleaseR2004 = 1018;  // true colours
 
 // Whether `db` is of a release that stores what `release` added. A drawing that names no
-// release (0) is taken to store everything; a null drawing stores nothing.
+// release (0: no $ACADVER, or one from before AC1001) is read and written as a release-12
+// one, so it stores nothing later; a null drawing stores nothing.
 inline bool storesRelease(const OdDbDatabase* db, int release) {
   if (!db) return false;
   const int version = db->versionNumber();
-  return version == 0 || version >= release;
+  return (version == 0 ? 1009 : version) >= release;
 }
 
 }  // namespace st

@@ -118,7 +118,9 @@ OdString OdDbDimStyleTableRecord::dimVarName(int code) {
 bool OdDbDimStyleTableRecord::isDimVarHeldBy(int code, int versionNumber) {
   const DimVar* v = dimVar(code);
   if (!v) return false;
-  return versionNumber == 0 || (versionNumber >= v->since && versionNumber < v->until);
+  // A file that names no release is read and written as a release-12 one.
+  if (versionNumber == 0) versionNumber = 1009;
+  return versionNumber >= v->since && versionNumber < v->until;
 }
 
 OdResBufPtr OdDbDimStyleTableRecord::dimVarDefault(int code) {
