@@ -188,24 +188,36 @@ TEST(PluginsAcrossReleases, SameRecordsConformWhateverTheReleasesAndDifferencesA
   }
 
   // The R12 drawing fixed from the R2018 standard: the colour and the scale change, with no
-  // group code the R12 file did not use before, and ezdxf reads the result.
+  // group code the R12 file did not use before, and ezdxf reads the result. The same for the
+  // drawing without its $ACADVER, which is read and written as a release-12 one.
+  {
+    std::ifstream in(dir.path() / "R12-changed.dxf");
+    std::string text((std::istreambuf_iterator<char>(in)), {});
+    const auto at = text.find("$ACADVER\n  1\nAC1009\n");
+    ASSERT_NE(at, std::string::npos);
+    text.erase(at - 4, std::string("  9\n$ACADVER\n  1\nAC1009\n").size());
+    std::ofstream(dir.path() / "unversioned-changed.dxf") << text;
+  }
   const std::vector<std::string> fixes{"Arch: DIMSCALE", "Walls: Color"};
-  EXPECT_EQ(fixAll(changed["R12"].get(), standards["R2018"].get()), fixes);
-  const auto fixed = dir.path() / "R12-fixed.dxf";
-  OdDbDatabasePtr reread = plugintest::saveAndReload(*changed["R12"], fixed);
-  EXPECT_EQ(plugintest::changedObjects(dir.path() / "R12-changed.dxf", fixed),
-            (std::vector<std::string>{"DIMSTYLE Arch", "LAYER Walls"}));
-  const std::set<int> before = groupCodes(dir.path() / "R12-changed.dxf");
-  for (int code : groupCodes(fixed)) EXPECT_TRUE(before.count(code)) << "group code " << code;
-  EXPECT_EQ(allErrors(reread.get(), {standards["R2018"].get()}), std::vector<std::string>{});
-  auto result = plugintest::ezdxf(
-      "doc = ezdxf.readfile(path)\n"
-      "walls = doc.layers.get('Walls')\n"
-      "arch = doc.dimstyles.get('Arch')\n"
-      "print(doc.dxfversion, walls.dxf.color, walls.dxf.linetype, arch.dxf.dimscale)\n",
-      fixed);
-  EXPECT_EQ(result.exitCode, 0) << result.output;
-  EXPECT_EQ(result.output, "AC1009 1 Center2 48.0\n");
+  for (const std::string name : {"R12", "unversioned"}) {
+    const auto original = dir.path() / (name + "-changed.dxf");
+    OdDbDatabasePtr drawing = OdDbDatabase::readFile(original);
+    EXPECT_EQ(fixAll(drawing.get(), standards["R2018"].get()), fixes) << name;
+    const auto fixed = dir.path() / (name + "-fixed.dxf");
+    OdDbDatabasePtr reread = plugintest::saveAndReload(*drawing, fixed);
+    EXPECT_EQ(plugintest::changedObjects(original, fixed),
+              (std::vector<std::string>{"DIMSTYLE Arch", "LAYER Walls"}));
+    const std::set<int> before = groupCodes(original);
+    for (int code : groupCodes(fixed)) EXPECT_TRUE(before.count(code)) << name << " " << code;
+    EXPECT_EQ(allErrors(reread.get(), {standards["R2018"].get()}), std::vector<std::string>{});
+    auto result = plugintest::ezdxf(
+        "doc = ezdxf.readfile(path)\n"
+        "walls = doc.layers.get('Walls')\n"
+        "arch = doc.dimstyles.get('Arch')\n"
+        "print(doc.dxfversion, walls.dxf.color, walls.dxf.linetype, arch.dxf.dimscale)\n",
+        fixed);
+    EXPECT_EQ(result.output, "AC1009 1 Center2 48.0\n") << name;
+  }
 
   // The R2018 drawing fixed from the R12 standard keeps what R12 cannot store: it then
   // conforms to the R2018 standard too.
