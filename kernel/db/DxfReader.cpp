@@ -175,9 +175,13 @@ void DxfReader::failAt(std::size_t offset, int code, const std::string& what) co
   } else {
     offset = std::min(offset, bytes.size());
     std::size_t line = 1;
-    for (const char* p = bytes.data();
-         (p = static_cast<const char*>(std::memchr(p, '\n', bytes.data() + offset - p))); ++p)
+    // An empty file has no bytes to search (and its data pointer may be null).
+    const char* end = bytes.data() + offset;
+    for (const char* p = bytes.data(); offset > 0 && p < end; ++p) {
+      p = static_cast<const char*>(std::memchr(p, '\n', static_cast<std::size_t>(end - p)));
+      if (!p) break;
       ++line;
+    }
     where = "line " + std::to_string(line);
   }
   if (code != std::numeric_limits<int>::min()) where += ", group code " + std::to_string(code);
