@@ -253,6 +253,12 @@ OdDbObjectId OdDbCloner::clone(OdDbStub* record, OdDbDatabaseImpl::TableKind kin
   if (existing)
     map_.assign(OdDbIdPair(OdDbObjectId(record), OdDbObjectId(existing), true, primary));
   translate(body);
+  // Before release 2000 a dimension style names its arrow blocks (DIMBLK, DIMBLK1, DIMBLK2).
+  if (kind == OdDbDatabaseImpl::kDimstyle)
+    for (const DxfTag& t : body) {
+      if (t.code == 1001) break;
+      if (t.code >= 5 && t.code <= 7) ensureBlock(doc.text(t));
+    }
   if (kind == OdDbDatabaseImpl::kLayer) {
     OdString linetype = OdDbTagRange(const_cast<DxfObject&>(src), "AcDbLayerTableRecord")
                             .text(6, OdString(L"Continuous"));
