@@ -304,8 +304,9 @@ TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsP
 // standard in which its text style STANDARD is "Standard" with a width of 0.85 and its
 // dimension style ISO-25 is called ISO_25: the width shows both values apart, the style keeps
 // its spelling, and the replaced style is reported under its handle with its old and new
-// names. The R2018 drawing against a standard with a larger DIMTXT for Arch_2.5 and an arrow
-// block of its own for Arch_3.5: the fixed styles keep or get their arrowheads, by name.
+// names. The R2018 drawing against a standard with a larger DIMTXT for Arch_2.5, an arrow
+// block of its own for Arch_3.5 and Arch_50 called Arch-50: the fixed and the copied styles
+// keep or get their arrowheads, by name.
 TEST(StcheckCheck, CorpusFixesChangeWhatTheStandardAsksAndKeepTheRest) {
   const fs::path corpus = testsupport::corpusDir();
   if (corpus.empty()) GTEST_SKIP() << "the shared corpus is absent: " << STAUDIT_CORPUS_DIR;
@@ -358,23 +359,26 @@ TEST(StcheckCheck, CorpusFixesChangeWhatTheStandardAsksAndKeepTheRest) {
       "d.dimstyles.get('Arch_2.5').dxf.dimtxt=3.5\n"
       "d.blocks.new('_Dot2').add_circle((0,0),0.5)\n"
       "d.dimstyles.get('Arch_3.5').set_arrows(blk='_Dot2')\n"
+      "d.dimstyles.get('Arch_50').dxf.name='Arch-50'\n"
       "d.saveas(sys.argv[2])\n",
       {(dir.path() / "arch.dxf").string(), (dir.path() / "arch.dws").string()});
   ASSERT_EQ(made.exitCode, 0) << made.output;
   run = stcheck({"check", "arch.dxf", "--standard", "arch.dws", "--fix"});
   EXPECT_EQ(run.exitCode, 0) << run.output;
   EXPECT_NE(run.output.find("DIMBLK: _ArchTick -> _Dot2"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("Arch_50 -> Arch-50 [2CD]"), std::string::npos) << run.output;
   run = stcheck({"check", "arch.dxf", "--standard", "arch.dws"});
   EXPECT_EQ(run.exitCode, 0) << run.output;
   oracle = Project::python(
       "import sys,ezdxf\n"
       "d=ezdxf.readfile(sys.argv[1])\n"
-      "for n in ('Arch_2.5','Arch_3.5'):\n"
+      "for n in ('Arch_2.5','Arch_3.5','Arch-50'):\n"
       "  s=d.dimstyles.get(n)\n"
       "  print(n, s.dxf.dimtxt, s.dxf.dimblk)\n"
       "print([e.dxftype() for e in d.blocks.get('_Dot2')])\n",
       {(dir.path() / "arch.dxf").string()});
-  EXPECT_EQ(oracle.output, "Arch_2.5 3.5 _ArchTick\nArch_3.5 2.5 _Dot2\n['CIRCLE']\n")
+  EXPECT_EQ(oracle.output,
+            "Arch_2.5 3.5 _ArchTick\nArch_3.5 2.5 _Dot2\nArch-50 2.5 _ArchTick\n['CIRCLE']\n")
       << oracle.output;
 }
 
