@@ -143,15 +143,18 @@ OdDbObjectId OdDbCloner::copyBlock(OdDbStub* record) {
   const std::string owner = copy.getHandle().ascii();
   const std::size_t from = source_.blocksSection();
   const DxfSection& section = source_.doc().section(from);
-  const std::size_t into = target_.ensureSection("BLOCKS");
   DxfDocument& doc = target_.doc();
   std::string parent = owner;  // vertices, attributes and SEQEND belong to their entity
+  bool erasedParent = false;
   for (std::size_t i = begin; i < section.size(); ++i) {
     const DxfObject& src = section.object(i);
     const std::string_view type = src.type();
     if (i > begin && type == "BLOCK") break;
+    const bool sub = type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
     OdDbStub* stub = source_.slot(from, i);
-    if (stub && stub->isErased()) continue;
+    const bool erased = (stub && stub->isErased()) || (sub && erasedParent);
+    if (!sub) erasedParent = erased;
+    if (erased) continue;
     ensureEntityNames(src);
     std::vector<DxfTag> all = target_.importTags(src);
     std::vector<DxfTag> body(all.begin() + static_cast<std::ptrdiff_t>(bodyStart(src)), all.end());
@@ -159,9 +162,9 @@ OdDbObjectId OdDbCloner::copyBlock(OdDbStub* record) {
     registerApps(body);
     std::vector<DxfTag> tags{all.front()};
     tags.insert(tags.end(), body.begin(), body.end());
-    const std::size_t at = doc.section(into).size();
-    OdDbStub* made = target_.insertObject(into, at, std::move(tags));
-    const bool sub = type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
+    // Found anew each time: copying a record the entity names may add the TABLES section.
+    const std::size_t into = target_.ensureSection("BLOCKS");
+    OdDbStub* made = target_.insertObject(into, doc.section(into).size(), std::move(tags));
     DxfObject& obj = target_.dxf(made);
     obj.insertTag(1, doc.makeText(5, made->handle.ascii()));
     obj.insertTag(2, doc.makeText(330, sub ? OdString(parent.c_str()) : OdString(owner.c_str())));
