@@ -57,4 +57,10 @@ OdString StStandardPropertyFormatter::format(const OdString& name, const OdVaria
   return odVariantToString(value);
 }
 
+OdString StStandardPropertyFormatter::formatExact(const OdString& name, const OdVariant& value) {
+  if (name == L"Oblique angle" && value.varType() == OdVariant::kDouble)
+    return exactRealText(value.getDouble() * 180.0 / M_PI) + L"\u00B0";
+  return StPropertyFormatter::formatExact(name, value);
+}
+
 }  // namespace st

@@ -13,6 +13,8 @@ namespace st {
 class StStandardPropertyFormatter : public StPropertyFormatter {
  public:
   OdString format(const OdString& name, const OdVariant& value) override;
+  // Oblique angles in degrees with every digit; otherwise as the base does.
+  OdString formatExact(const OdString& name, const OdVariant& value) override;
 
   // The colour text of a colour index (0 ByBlock, 256 ByLayer, 1-7 by name, else a number).
   static OdString colorText(int index);

@@ -18,11 +18,19 @@ std::string valueText(const OdString& name, const OdVariant& value,
   return st::odVariantToString(value).toUtf8();
 }
 
-std::string objectName(const OdDbObjectId& id) {
-  if (id.isNull()) return std::string();
-  OdDbObjectPtr object = id.openObject();
+std::string exactText(const OdString& name, const OdVariant& value,
+                      const st::StPropertyFormatterPtr& formatter) {
+  if (formatter) return formatter->formatExact(name, value).toUtf8();
+  if (value.varType() == OdVariant::kDouble) return st::exactRealText(value.getDouble()).toUtf8();
+  return st::odVariantToString(value).toUtf8();
+}
+
+// The record's name; an erased record (a fix that renamed it replaced it) still tells it.
+OdString objectName(const OdDbObjectId& id) {
+  if (id.isNull()) return OdString();
+  OdDbObjectPtr object = id.openObject(OdDb::kForRead, true);
   OdDbSymbolTableRecordPtr record = OdDbSymbolTableRecord::cast(object.get());
-  return record.isNull() ? std::string() : record->getName().toUtf8();
+  return record.isNull() ? OdString() : record->getName();
 }
 
 }  // namespace
@@ -34,12 +42,17 @@ ReportProblem ProblemReader::read(const st::StErrorAccumulatorImpl::Entry& entry
   p.pluginName = entry.pluginName.toUtf8();
   OdDbObjectId id = error.objectId();
   p.handle = id.isNull() ? std::string() : id.getHandle().ascii();
-  p.objectName = objectName(id);
+  const OdString name = objectName(id);
+  p.objectName = name.toUtf8();
   p.title = error.name().toUtf8();
   p.description = error.description().toUtf8();
   p.reason = error.reason().toUtf8();
   p.fixed = fixed;
-  if (fixed && entry.fix) p.fixedWith = entry.fix->name().toUtf8();
+  if (fixed && entry.fix) {
+    p.fixedWith = entry.fix->name().toUtf8();
+    // A fix that brings another name (names compare ignoring case) replaced the record.
+    if (!name.isEmpty() && entry.fix->name().iCompare(name) != 0) p.renamedTo = p.fixedWith;
+  }
   if (error.flags() & st::kStErrorIgnored) {
     p.ignoredBy = st::getObjectIgnoredBy(id).toUtf8();
     if (p.ignoredBy.empty()) p.ignoredBy = "(unknown user)";
@@ -100,8 +113,14 @@ ReportProblem ProblemReader::read(const st::StErrorAccumulatorImpl::Entry& entry
       OdVariant standard;
       fix->propertyValue(names[i], standard);
       OdVariant now = i < static_cast<int>(current.size()) ? current[i] : OdVariant();
-      p.properties.push_back({names[i].toUtf8(), valueText(names[i], now, formatter),
-                              valueText(names[i], standard, formatter)});
+      std::string shownNow = valueText(names[i], now, formatter);
+      std::string shownStandard = valueText(names[i], standard, formatter);
+      // The drawing's number of places may show two different reals alike ("1 -> 1").
+      if (shownNow == shownStandard && !st::compareOdVariant(now, standard)) {
+        shownNow = exactText(names[i], now, formatter);
+        shownStandard = exactText(names[i], standard, formatter);
+      }
+      p.properties.push_back({names[i].toUtf8(), shownNow, shownStandard});
     }
   }
   return p;

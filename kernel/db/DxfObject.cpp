@@ -84,8 +84,8 @@ std::size_t DxfObject::find(int code, std::size_t start) const noexcept {
 }
 
 std::uint64_t DxfObject::handle() const {
-  std::size_t at = find(5);
-  if (at == npos && type() == "DIMSTYLE") at = find(105);
+  // A dimension style keeps its handle in 105: its group 5 is the DIMBLK arrow's name.
+  std::size_t at = find(type() == "DIMSTYLE" ? 105 : 5);
   if (at == npos) return 0;
   std::string_view hex = trimBlanks(doc_->rawValue(tags()[at]));
   std::uint64_t value = 0;

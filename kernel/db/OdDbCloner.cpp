@@ -114,6 +114,66 @@ OdDbObjectId OdDbCloner::ensureByName(OdDbDatabaseImpl::TableKind kind, const Od
   return clone(theirs, kind, OdDb::kDrcIgnore, false);
 }
 
+OdDbObjectId OdDbCloner::ensureBlock(const OdString& name) {
+  if (name.isEmpty()) return OdDbObjectId();
+  OdDbStub* blocks = target_.table(OdDbDatabaseImpl::kBlockRecord);
+  if (OdDbStub* mine = target_.findRecord(blocks, name)) return OdDbObjectId(mine);
+  if (target_.isR12BlockTable() || source_.isR12BlockTable()) return OdDbObjectId();
+  OdDbStub* theirs = source_.findRecord(source_.table(OdDbDatabaseImpl::kBlockRecord), name);
+  return theirs ? copyBlock(theirs) : OdDbObjectId();
+}
+
+void OdDbCloner::ensureEntityNames(const DxfObject& entity) {
+  std::size_t layer = entity.find(8);
+  if (layer != DxfObject::npos) ensureByName(OdDbDatabaseImpl::kLayer, entity.text(layer));
+  std::size_t linetype = entity.find(6);
+  if (linetype != DxfObject::npos) ensureByName(OdDbDatabaseImpl::kLtype, entity.text(linetype));
+  std::string_view type = entity.type();
+  if (type == "TEXT" || type == "MTEXT" || type == "ATTDEF") {
+    std::size_t style = entity.find(7);
+    if (style != DxfObject::npos) ensureByName(OdDbDatabaseImpl::kStyle, entity.text(style));
+  }
+}
+
+OdDbObjectId OdDbCloner::copyBlock(OdDbStub* record) {
+  std::size_t begin = source_.blockBeginIndex(record);
+  if (begin == SIZE_MAX) return OdDbObjectId();
+  OdDbObjectId copy = clone(record, OdDbDatabaseImpl::kBlockRecord, OdDb::kDrcIgnore, false);
+  if (copy.isNull()) return copy;
+  const std::string owner = copy.getHandle().ascii();
+  const std::size_t from = source_.blocksSection();
+  const DxfSection& section = source_.doc().section(from);
+  DxfDocument& doc = target_.doc();
+  std::string parent = owner;  // vertices, attributes and SEQEND belong to their entity
+  bool erasedParent = false;
+  for (std::size_t i = begin; i < section.size(); ++i) {
+    const DxfObject& src = section.object(i);
+    const std::string_view type = src.type();
+    if (i > begin && type == "BLOCK") break;
+    const bool sub = type == "VERTEX" || type == "ATTRIB" || type == "SEQEND";
+    OdDbStub* stub = source_.slot(from, i);
+    const bool erased = (stub && stub->isErased()) || (sub && erasedParent);
+    if (!sub) erasedParent = erased;
+    if (erased) continue;
+    ensureEntityNames(src);
+    std::vector<DxfTag> all = target_.importTags(src);
+    std::vector<DxfTag> body(all.begin() + static_cast<std::ptrdiff_t>(bodyStart(src)), all.end());
+    translate(body);
+    registerApps(body);
+    std::vector<DxfTag> tags{all.front()};
+    tags.insert(tags.end(), body.begin(), body.end());
+    // Found anew each time: copying a record the entity names may add the TABLES section.
+    const std::size_t into = target_.ensureSection("BLOCKS");
+    OdDbStub* made = target_.insertObject(into, doc.section(into).size(), std::move(tags));
+    DxfObject& obj = target_.dxf(made);
+    obj.insertTag(1, doc.makeText(5, made->handle.ascii()));
+    obj.insertTag(2, doc.makeText(330, sub ? OdString(parent.c_str()) : OdString(owner.c_str())));
+    if (!sub) parent = made->handle.ascii();
+    if (type == "ENDBLK") break;
+  }
+  return copy;
+}
+
 void OdDbCloner::translate(std::vector<DxfTag>& body) {
   DxfDocument& doc = target_.doc();
   for (std::size_t i = 0; i < body.size();) {
@@ -134,10 +194,11 @@ void OdDbCloner::translate(std::vector<DxfTag>& body) {
       } else {
         OdDbDatabaseImpl::TableKind kind =
             OdDbDatabaseImpl::kindOfRecordType(source_.dxf(ref).type());
-        if (kind != OdDbDatabaseImpl::kTableKinds && kind != OdDbDatabaseImpl::kBlockRecord &&
-            ref->section != OdDbStub::kNoSection &&
+        if (kind != OdDbDatabaseImpl::kTableKinds && ref->section != OdDbStub::kNoSection &&
             source_.doc().section(ref->section).name() == "TABLES")
-          mapped = ensureByName(kind, source_.recordName(ref));
+          mapped = kind == OdDbDatabaseImpl::kBlockRecord
+                       ? ensureBlock(source_.recordName(ref))
+                       : ensureByName(kind, source_.recordName(ref));
       }
     }
     if (mapped.isNull() && (code == 390 || code == 347)) mapped = layerZeroReference(code);
@@ -195,6 +256,12 @@ OdDbObjectId OdDbCloner::clone(OdDbStub* record, OdDbDatabaseImpl::TableKind kin
   if (existing)
     map_.assign(OdDbIdPair(OdDbObjectId(record), OdDbObjectId(existing), true, primary));
   translate(body);
+  // Before release 2000 a dimension style names its arrow blocks (DIMBLK, DIMBLK1, DIMBLK2).
+  if (kind == OdDbDatabaseImpl::kDimstyle)
+    for (const DxfTag& t : body) {
+      if (t.code == 1001) break;
+      if (t.code >= 5 && t.code <= 7) ensureBlock(doc.text(t));
+    }
   if (kind == OdDbDatabaseImpl::kLayer) {
     OdString linetype = OdDbTagRange(const_cast<DxfObject&>(src), "AcDbLayerTableRecord")
                             .text(6, OdString(L"Continuous"));
@@ -206,6 +273,12 @@ OdDbObjectId OdDbCloner::clone(OdDbStub* record, OdDbDatabaseImpl::TableKind kin
     OdDbObjectPtr target = OdDbObjectId(existing).safeOpenObject(OdDb::kForWrite);
     target->assertWriteEnabled();
     DxfObject& obj = target_.dxf(existing);
+    // Names match ignoring case; the record keeps the spelling it has ("STANDARD" stays so).
+    for (DxfTag& tag : body)
+      if (tag.code == 2) {
+        if (std::size_t own = obj.find(2); own != DxfObject::npos) tag = obj.tag(own);
+        break;
+      }
     std::size_t keep = bodyStart(obj);
     std::vector<DxfTag> tags(obj.tags().begin(),
                              obj.tags().begin() + static_cast<std::ptrdiff_t>(keep));

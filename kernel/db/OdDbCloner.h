@@ -8,7 +8,10 @@
 // other tables (a dimension style's text style and linetypes, a complex linetype's text
 // style) are cloned along when the target lacks a record of that name and mapped to the
 // target's record when it has one; references by name (a layer's linetype) likewise make
-// sure the target has the record. Handles to other objects are pointed at the target's
+// sure the target has the record. A reference to a block (a dimension style's arrowheads)
+// goes to the target's block of that name, and a block the target lacks is copied in whole:
+// its record, its BLOCK and ENDBLK and its entities, with the layers, linetypes and text
+// styles these name. Handles to other objects are pointed at the target's
 // counterparts of layer "0" (plot style, material) or dropped. Applications named in
 // extended data are registered in the target.
 
@@ -30,6 +33,13 @@ class OdDbCloner {
   // The source record of table `kind` named `name`, cloned into the target when it lacks
   // one (kDrcIgnore); null when neither has it.
   OdDbObjectId ensureByName(OdDbDatabaseImpl::TableKind kind, const OdString& name);
+  // The target's block called `name`, copied in from the source's when the target lacks it;
+  // null when neither has it or a release-12 drawing (which keeps blocks without records)
+  // takes part.
+  OdDbObjectId ensureBlock(const OdString& name);
+  OdDbObjectId copyBlock(OdDbStub* record);
+  // Makes sure the target has the records an entity of the copied block names by name.
+  void ensureEntityNames(const DxfObject& entity);
   void translate(std::vector<DxfTag>& body);
   void registerApps(const std::vector<DxfTag>& body);
   OdDbObjectId layerZeroReference(int code);

@@ -107,6 +107,10 @@ class OdDbDatabaseImpl {
   // The entities of a block record, in file order, without sub-entities (vertices,
   // attributes, SEQEND) and, unless `withErased`, without erased ones.
   std::vector<OdDbStub*> blockEntities(const OdDbStub* record, bool withErased) const;
+  // The position in the BLOCKS section of the BLOCK entity that opens `record`'s definition,
+  // or SIZE_MAX when it has none.
+  std::size_t blockBeginIndex(const OdDbStub* record) const;
+  std::size_t blocksSection() const noexcept { return blocksSection_; }
   // The entities following `entity` that belong to it (VERTEX/ATTRIB ... SEQEND).
   std::vector<OdDbStub*> followers(const OdDbStub* entity) const;
   // Where a new entity of `record` goes: {section, index}.
@@ -142,7 +146,6 @@ class OdDbDatabaseImpl {
   void indexTables(std::size_t section);
   void indexR12Blocks();
   OdDbStub* findBlockRecord(std::wstring_view upperName);
-  std::size_t blockBeginIndex(const OdDbStub* record) const;
 
   OdDbDatabase* self_;
   std::unique_ptr<DxfDocument> doc_;

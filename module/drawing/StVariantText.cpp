@@ -1,8 +1,18 @@
 #include "StVariantText.h"
 
+#include <charconv>
+#include <string>
+
 #include "StHostText.h"
 
 namespace st {
+
+OdString exactRealText(double value) {
+  char digits[32];
+  auto [end, ec] = std::to_chars(digits, digits + sizeof digits, value);
+  return ec == std::errc() ? OdString(std::string(digits, end).c_str())
+                           : OdString::format(L"%.17g", value);
+}
 
 OdString odVariantToString(const OdVariant& value) {
   switch (value.varType()) {

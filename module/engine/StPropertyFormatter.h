@@ -4,6 +4,7 @@
 #include "OdString.h"
 #include "OdVariant.h"
 #include "StExport.h"
+#include "StVariantText.h"
 
 namespace st {
 
@@ -18,6 +19,13 @@ class ST_EXPORT StPropertyFormatter : public OdRxObject {
  public:
   // The display text of `value`, the value of the property called `name`.
   virtual OdString format(const OdString& name, const OdVariant& value) = 0;
+  // The same with every digit needed to tell a real from any other, for two different values
+  // that format() shows alike. By default a real becomes st::exactRealText, anything else
+  // what format() gives.
+  virtual OdString formatExact(const OdString& name, const OdVariant& value) {
+    return value.varType() == OdVariant::kDouble ? exactRealText(value.getDouble())
+                                                 : format(name, value);
+  }
 };
 
 using StPropertyFormatterPtr = OdSmartPtr<StPropertyFormatter>;

@@ -45,7 +45,8 @@ CheckReport sampleRun() {
                        "",
                        {},
                        {},
-                       0};
+                       0,
+                       ""};
   colour.properties = {{"Color", "3", "1"}, {"Lineweight", "0.25 mm", "0.50 mm"}};
   colour.fixes = {{"WALLS", "office.dws", true}, {"WALLS", "site.dws", false}};
   colour.moreFixes = 3;  // candidates a report leaves out
@@ -54,7 +55,8 @@ CheckReport sampleRun() {
   fixed.handle = "2B";
   fixed.objectName = "DOORS";
   fixed.fixed = true;
-  fixed.fixedWith = "DOORS";
+  fixed.fixedWith = "A-DOOR";
+  fixed.renamedTo = "A-DOOR";
   ReportProblem ignored = colour;
   ignored.handle = "2C";
   ignored.objectName = "bad\x01name";
@@ -156,6 +158,7 @@ TEST(JunitReportFormat, ParsesWithCountsThatAddUp) {
       "r=E.parse(sys.argv[1]).getroot()\n"
       "print(r.tag,r.get('tests'),r.get('failures'),r.get('errors'),r.get('skipped'))\n"
       "for s in r: print(s.get('name'),len(s),s.get('failures'))\n"
+      "print(r[0][1].get('name'))\n"
       "print(r[0][2].get('name'))\n";
   auto result = runPython(script, {file.string()});
   ASSERT_EQ(result.exitCode, 0) << result.output;
@@ -166,6 +169,7 @@ TEST(JunitReportFormat, ParsesWithCountsThatAddUp) {
             "plans/floor <1> & \"annex\".dxf 4 1\n"
             "plans/site.dxf 2 0\n"
             "plans/broken.dxf 1 0\n"
+            "DOORS -> A-DOOR [2B]: Non-standard properties\n"
             "bad\xEF\xBF\xBDname [2C]: Non-standard properties\n");
 }
 
@@ -210,6 +214,7 @@ TEST(HtmlReportFormat, SummaryReadsBackInABrowser) {
   EXPECT_NE(dom.find("data-failed=\"1\""), std::string::npos);
   EXPECT_NE(dom.find("plans/floor &lt;1&gt; &amp; \"annex\".dxf"), std::string::npos);
   EXPECT_NE(dom.find("ignored by alice"), std::string::npos);
+  EXPECT_NE(dom.find("DOORS -&gt; A-DOOR"), std::string::npos) << "the renamed layer";
 }
 
 TEST(TextReportFormat, GroupsByDrawingAndColoursOnlyWhenAsked) {
@@ -221,6 +226,7 @@ TEST(TextReportFormat, GroupsByDrawingAndColoursOnlyWhenAsked) {
                        "      ... and 3 more\n"),
             std::string::npos);
   EXPECT_NE(plain.find("ignored by alice"), std::string::npos);
+  EXPECT_NE(plain.find("fixed  DOORS -> A-DOOR [2B]"), std::string::npos) << plain;
   EXPECT_NE(plain.find("not checked: bad DXF at line 7"), std::string::npos);
   EXPECT_NE(plain.find("3 drawings checked: 1 meet the standards, 1 problem remains, 1 drawing "
                        "not read\n"),

@@ -9,10 +9,13 @@
 #include <iterator>
 
 #include "OdDbDatabase.h"
+#include "OdDbDimStyleTable.h"
+#include "OdDbDimStyleTableRecord.h"
 #include "OdDbLayerTable.h"
 #include "OdDbLayerTableRecord.h"
 #include "OdDbTextStyleTable.h"
 #include "OdDbTextStyleTableRecord.h"
+#include "OdResBuf.h"
 #include "TestSupport.h"
 
 namespace {
@@ -294,6 +297,89 @@ TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsP
   auto info = project.stcheck({"info", "plans/foreign.dxf"});
   EXPECT_EQ(info.exitCode, 2) << info.output;
   EXPECT_EQ(info.output, "stcheck: plans/" + fault + ", which holds only LAYER records\n");
+}
+
+// Fixes of real drawings change what the standard asks and nothing else. The R14 drawing
+// (dimension styles keep their handle in group 105) shown with no decimal places, against a
+// standard in which its text style STANDARD is "Standard" with a width of 0.85 and its
+// dimension style ISO-25 is called ISO_25: the width shows both values apart, the style keeps
+// its spelling, and the replaced style is reported under its handle with its old and new
+// names. The R2018 drawing against a standard with a larger DIMTXT for Arch_2.5, an arrow
+// block of its own for Arch_3.5 and Arch_50 called Arch-50: the fixed and the copied styles
+// keep or get their arrowheads, by name.
+TEST(StcheckCheck, CorpusFixesChangeWhatTheStandardAsksAndKeepTheRest) {
+  const fs::path corpus = testsupport::corpusDir();
+  if (corpus.empty()) GTEST_SKIP() << "the shared corpus is absent: " << STAUDIT_CORPUS_DIR;
+  testsupport::TempDir dir;
+  auto stcheck = [&](const std::vector<std::string>& args) {
+    return testsupport::runStcheckIn(dir.path(), dir.path() / "config.json", args);
+  };
+  {
+    OdDbDatabasePtr standard = OdDbDatabase::readFile(corpus / "r14_ezdxf_small.dxf");
+    OdDbTextStyleTablePtr styles = standard->getTextStyleTableId().safeOpenObject();
+    OdDbTextStyleTableRecordPtr text = styles->getAt(L"STANDARD").safeOpenObject(OdDb::kForWrite);
+    text->setName(L"Standard");
+    text->setXScale(0.85);
+    text.release();
+    OdDbDimStyleTablePtr dims = standard->getDimStyleTableId().safeOpenObject();
+    OdDbDimStyleTableRecordPtr iso = dims->getAt(L"ISO-25").safeOpenObject(OdDb::kForWrite);
+    iso->setName(L"ISO_25");
+    iso.release();
+    standard->writeFile(dir.path() / "r14.dws");
+    OdDbDatabasePtr drawing = OdDbDatabase::readFile(corpus / "r14_ezdxf_small.dxf");
+    drawing->setHeaderVariable(L"$LUPREC", OdResBuf::newRb(70, 0).get());
+    drawing->writeFile(dir.path() / "r14.dxf");
+    fs::copy_file(dir.path() / "r14.dxf", dir.path() / "r14-json.dxf");
+  }
+  auto run = stcheck({"check", "r14.dxf", "--standard", "r14.dws", "--fix"});
+  EXPECT_EQ(run.exitCode, 0) << run.output;
+  EXPECT_NE(run.output.find("Width factor: 1 -> 0.85\n"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("ISO-25 -> ISO_25 [27]"), std::string::npos) << run.output;
+  run = stcheck({"check", "r14-json.dxf", "--standard", "r14.dws", "--fix", "--format", "json",
+                 "-o", "r14.json"});
+  EXPECT_EQ(run.exitCode, 0) << run.output;
+  auto rows = Project::python(
+      "import json,sys\n"
+      "for p in json.load(open(sys.argv[1]))['drawings'][0]['problems']:\n"
+      "  print(p['objectName'], p['handle'], p.get('renamedTo'), p['fixed'])\n",
+      {(dir.path() / "r14.json").string()});
+  EXPECT_EQ(rows.output, "ISO-25 27 ISO_25 True\nSTANDARD 11 None True\n") << rows.output;
+  auto oracle = Project::python(
+      "import sys,ezdxf\n"
+      "d=ezdxf.readfile(sys.argv[1])\n"
+      "print([(s.dxf.name, s.dxf.width) for s in d.styles], sorted(s.dxf.name for s in "
+      "d.dimstyles))\n",
+      {(dir.path() / "r14.dxf").string()});
+  EXPECT_EQ(oracle.output, "[('STANDARD', 0.85)] ['ISO_25', 'Standard']\n") << oracle.output;
+
+  fs::copy_file(corpus / "r2018_ezdxf_text_13dimstyles.dxf", dir.path() / "arch.dxf");
+  auto made = Project::python(
+      "import sys,ezdxf\n"
+      "d=ezdxf.readfile(sys.argv[1])\n"
+      "d.dimstyles.get('Arch_2.5').dxf.dimtxt=3.5\n"
+      "d.blocks.new('_Dot2').add_circle((0,0),0.5)\n"
+      "d.dimstyles.get('Arch_3.5').set_arrows(blk='_Dot2')\n"
+      "d.dimstyles.get('Arch_50').dxf.name='Arch-50'\n"
+      "d.saveas(sys.argv[2])\n",
+      {(dir.path() / "arch.dxf").string(), (dir.path() / "arch.dws").string()});
+  ASSERT_EQ(made.exitCode, 0) << made.output;
+  run = stcheck({"check", "arch.dxf", "--standard", "arch.dws", "--fix"});
+  EXPECT_EQ(run.exitCode, 0) << run.output;
+  EXPECT_NE(run.output.find("DIMBLK: _ArchTick -> _Dot2"), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("Arch_50 -> Arch-50 [2CD]"), std::string::npos) << run.output;
+  run = stcheck({"check", "arch.dxf", "--standard", "arch.dws"});
+  EXPECT_EQ(run.exitCode, 0) << run.output;
+  oracle = Project::python(
+      "import sys,ezdxf\n"
+      "d=ezdxf.readfile(sys.argv[1])\n"
+      "for n in ('Arch_2.5','Arch_3.5','Arch-50'):\n"
+      "  s=d.dimstyles.get(n)\n"
+      "  print(n, s.dxf.dimtxt, s.dxf.dimblk)\n"
+      "print([e.dxftype() for e in d.blocks.get('_Dot2')])\n",
+      {(dir.path() / "arch.dxf").string()});
+  EXPECT_EQ(oracle.output,
+            "Arch_2.5 3.5 _ArchTick\nArch_3.5 2.5 _Dot2\nArch-50 2.5 _ArchTick\n['CIRCLE']\n")
+      << oracle.output;
 }
 
 TEST(StcheckCommands, StandardsPluginsAndSettingsChangeWhatTheNextCheckSees) {

@@ -93,13 +93,15 @@ std::vector<std::string> allErrors(OdDbDatabase* drawing,
 
 // An R13 drawing whose dimension style STANDARD stores almost no variables, against a
 // standard whose Standard stores others at their defaults: only its two layers of names no
-// standard has are reported.
+// standard has are reported. The style's handle is its group 105 (its empty group 5 is DIMBLK).
 TEST(PluginsOnTheCorpus, VariablesLeftOutCompareAsTheirDefaults) {
   const auto corpus = testsupport::corpusDir();
   if (corpus.empty()) GTEST_SKIP() << "the shared corpus is absent: " << STAUDIT_CORPUS_DIR;
   OdDbDatabasePtr drawing = OdDbDatabase::readFile(corpus / "r13_ezdxf_small_dos932.dxf");
   OdDbDatabasePtr standard = OdDbDatabase::readFile(std::filesystem::path(STAUDIT_SOURCE_DIR) /
                                                     "examples" / "office-standards.dws");
+  OdDbSymbolTablePtr styles = drawing->getDimStyleTableId().safeOpenObject();
+  EXPECT_EQ(styles->getAt(L"STANDARD").getHandle().ascii(), "6F");
   EXPECT_EQ(
       allErrors(drawing.get(), {standard.get()}),
       (std::vector<std::string>{"3USMM_PKG: The layer \"3USMM_PKG\" has a non-standard name",

@@ -27,10 +27,10 @@ struct ReportFix {
 
 // One problem a plug-in reported about one named object of the drawing.
 struct ReportProblem {
-  std::string plugin;      // the plug-in's class name ("StDWSLayerPlugin")
-  std::string pluginName;  // the plug-in's display name
-  std::string handle;      // the object's handle, hexadecimal
-  std::string objectName;
+  std::string plugin;       // the plug-in's class name ("StDWSLayerPlugin")
+  std::string pluginName;   // the plug-in's display name
+  std::string handle;       // the object's handle, hexadecimal
+  std::string objectName;   // as the drawing named it when checked
   std::string title;        // the problem's name
   std::string description;  // what is wrong
   std::string reason;       // why, or what the fixes are ("Replace with:" of the dialog)
@@ -42,10 +42,15 @@ struct ReportProblem {
   // closest name first; moreFixes counts the candidates left out.
   std::vector<ReportFix> fixes;
   std::size_t moreFixes = 0;
+  std::string renamedTo;  // set when a fix of this run put a record of another name in its place
 
   static constexpr std::size_t kFixesListed = 20;
 
   bool ignored() const { return !ignoredBy.empty(); }
+  // The object's name as reports show it: "old -> new" once a fix renamed it.
+  std::string shownName() const {
+    return renamedTo.empty() ? objectName : objectName + " -> " + renamedTo;
+  }
   // Neither fixed nor deliberately ignored: what makes a check fail.
   bool remains() const { return !fixed && !ignored(); }
 };

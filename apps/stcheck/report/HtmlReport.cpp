@@ -97,7 +97,7 @@ void writeSummary(std::ostringstream& out, const CheckReport& report) {
 void writeProblem(std::ostringstream& out, const ReportProblem& p) {
   const char* state = p.fixed ? "fixed" : p.ignored() ? "ignored" : "remaining";
   out << "<tr class=\"problem " << state << "\"><td>"
-      << e(p.pluginName.empty() ? p.plugin : p.pluginName) << "</td><td>" << e(p.objectName)
+      << e(p.pluginName.empty() ? p.plugin : p.pluginName) << "</td><td>" << e(p.shownName())
       << " <span class=\"small\">" << e(p.handle) << "</span></td><td><b>" << e(p.title)
       << "</b><br>" << e(p.description);
   if (!p.reason.empty()) out << "<br><span class=\"small\">" << e(p.reason) << "</span>";

@@ -14,6 +14,7 @@ ordered problemJson(const ReportProblem& p) {
   j["pluginName"] = p.pluginName;
   j["handle"] = p.handle;
   j["objectName"] = p.objectName;
+  if (!p.renamedTo.empty()) j["renamedTo"] = p.renamedTo;
   j["title"] = p.title;
   j["description"] = p.description;
   j["reason"] = p.reason;
@@ -107,6 +108,7 @@ ReportProblem problemFromJson(const nlohmann::json& j) {
   p.pluginName = text(j, "pluginName");
   p.handle = text(j, "handle");
   p.objectName = text(j, "objectName");
+  p.renamedTo = text(j, "renamedTo");
   p.title = text(j, "title");
   p.description = text(j, "description");
   p.reason = text(j, "reason");

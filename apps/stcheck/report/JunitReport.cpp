@@ -36,7 +36,7 @@ SuiteCounts countSuite(const DrawingReport& d) {
 }
 
 void writeProblem(std::ostringstream& out, const DrawingReport& d, const ReportProblem& p) {
-  out << "    <testcase classname=\"" << e(p.plugin) << "\" name=\"" << e(p.objectName) << " ["
+  out << "    <testcase classname=\"" << e(p.plugin) << "\" name=\"" << e(p.shownName()) << " ["
       << e(p.handle) << "]: " << e(p.title) << "\" file=\"" << e(d.path) << "\"";
   if (!p.remains() && !(p.ignored() && !p.fixed)) {
     out << ">\n      <system-out>fixed" << (p.fixedWith.empty() ? "" : " with " + e(p.fixedWith))

@@ -33,7 +33,7 @@ ordered result(const DrawingReport& d, const ReportProblem& p, int ruleIndex) {
     r["kind"] = "fail";
     r["level"] = "error";
   }
-  std::string message = p.objectName + ": " + p.title;
+  std::string message = p.shownName() + ": " + p.title;
   if (!p.description.empty()) message += ". " + p.description;
   r["message"]["text"] = message;
   r["locations"] = ordered::array({location(d, &p)});

@@ -41,7 +41,7 @@ void writeProblem(std::ostringstream& out, const ReportProblem& p, const Painter
   std::string state = p.fixed       ? paint.green("fixed")
                       : p.ignored() ? paint.yellow("ignored by " + p.ignoredBy)
                                     : paint.red("problem");
-  out << "    " << state << "  " << paint.bold(p.objectName);
+  out << "    " << state << "  " << paint.bold(p.shownName());
   if (!p.handle.empty()) out << paint.dim(" [" + p.handle + "]");
   out << "  " << p.title << "\n";
   if (!p.description.empty()) out << "      " << p.description << "\n";

@@ -71,13 +71,14 @@ TEST(DbClone, IgnoreKeepsTheTargetsLayerAndReplaceOverwritesALinetype) {
   EXPECT_EQ(doorsLayer->linetypeObjectId(), myDashed);
   EXPECT_EQ(doorsLayer->ownerId(), drawing->getLayerTableId());
 
-  // Replace: the drawing's linetype takes the standard's pattern, keeping its handle.
+  // Replace: the drawing's linetype takes the standard's pattern, keeping its handle and the
+  // spelling of its name.
   OdDbHandle handle = myDashed.getHandle();
   EXPECT_EQ(cloneOne(*standard, stdDashed, drawing->getLinetypeTableId(), OdDb::kDrcReplace),
             myDashed);
   OdDbLinetypeTableRecordPtr dashed = myDashed.safeOpenObject();
   EXPECT_EQ(dashed->dashes(), (std::vector<double>{5.0, -2.5}));
-  EXPECT_EQ(dashed->getName(), OdString(L"Dashed"));
+  EXPECT_EQ(dashed->getName().toUtf8(), "dashed");
   EXPECT_EQ(dashed->getDbHandle(), handle);
 
   // A layer whose linetype the drawing lacks brings the linetype along.
