@@ -67,7 +67,10 @@ def derive(drawing, standard):
     renamed_ltypes = {}
     for kind in TABLES:
         records = [r for r in table(doc, kind)]
-        taken = {loose(r.dxf.name) for r in records}
+        # A name whose near miss the table already has would make two candidates.
+        looseCount = {}
+        for r in records:
+            looseCount[loose(r.dxf.name)] = looseCount.get(loose(r.dxf.name), 0) + 1
         for i, record in enumerate(records):
             name = record.dxf.name
             if kind == "LAYER":
@@ -94,11 +97,10 @@ def derive(drawing, standard):
                     record.dxf.set(var, value if abs(old - value) > 1e-9 else value * 2)
             if i % 2 == 1 and name.upper() not in KEEP and not name.startswith("*"):
                 new = near_miss(name)
-                if new and (loose(new) == loose(name) and new != name):
+                if new and new != name and looseCount[loose(name)] == 1:
                     record.dxf.name = new
                     if kind == "LTYPE":
                         renamed_ltypes[name.upper()] = new
-                taken.add(loose(name))
     for layer in doc.layers:
         lt = layer.dxf.get("linetype", "").upper()
         if lt in renamed_ltypes:
@@ -247,6 +249,10 @@ def verify(original, backup, fixed, standard, first, second):
                     faults.append(f"{kind} {name} {attr} is {have}, the standard's {should}")
 
     # Objects the fix had no reason to change.
+    loose_count = {kind: {} for kind in TABLES}
+    for kind in TABLES:
+        for n in before.names[kind]:
+            loose_count[kind][loose(n)] = loose_count[kind].get(loose(n), 0) + 1
     gone = {kind: set(before.names[kind]) - set(after.names[kind]) for kind in TABLES}
     gone_names = {n for kind in TABLES for n in gone[kind]}
     gone_handles = {str(before.names[k][n]).upper() for k in TABLES for n in gone[k]}
@@ -254,8 +260,11 @@ def verify(original, backup, fixed, standard, first, second):
         new = after.by_key.get(key)
         kind = old[0][1] if old[0][0] == 0 else ""
         if new is None:
+            name = next((v for c, v, _ in old if c == 2), "")
             if kind not in TABLES:
                 faults.append(f"{kind} {key} was removed")
+            elif isinstance(key, str) and loose_count[kind].get(loose(name)) == 1:
+                faults.append(f"{kind} {name} ({key}) was replaced, not renamed in place")
             continue
         if [t[2] for t in old] == [t[2] for t in new]:
             continue
