@@ -257,13 +257,28 @@ void DxfReader::parseAscii() {
   std::size_t p = doc_.bytes().substr(0, 3) == kUtf8Bom ? 3 : 0;
   doc_.preambleEnd_ = static_cast<std::uint32_t>(p);
 
-  // The layout of the first code line is the layout of the file.
+  // The layout of the first code lines is the layout of the file: the line ending of the
+  // first, the padding of the first code shorter than three digits (a leading "999" comment
+  // says nothing about padding).
   if (const char* nl = static_cast<const char*>(std::memchr(base + p, '\n', size - p))) {
     std::size_t lineEnd = static_cast<std::size_t>(nl - base);
     doc_.layout_.crlf = lineEnd > p && base[lineEnd - 1] == '\r';
-    std::string_view first(base + p, lineEnd - p - (doc_.layout_.crlf ? 1 : 0));
-    if (!first.empty() && first.front() == ' ')
-      doc_.layout_.codeWidth = static_cast<int>(first.size());
+  }
+  for (std::size_t line = p, tags = 0; line < size && tags < 8; ++tags) {
+    const char* nl = static_cast<const char*>(std::memchr(base + line, '\n', size - line));
+    if (!nl) break;
+    std::string_view code(base + line, static_cast<std::size_t>(nl - base) - line);
+    if (!code.empty() && code.back() == '\r') code.remove_suffix(1);
+    const std::size_t digits = code.size() - std::min(code.size(), code.find_first_not_of(' '));
+    if (digits > 0 && digits < 3) {
+      if (code.front() == ' ') doc_.layout_.codeWidth = static_cast<int>(code.size());
+      break;
+    }
+    // Past the value line to the next code line.
+    const char* valueEnd = static_cast<const char*>(
+        std::memchr(nl + 1, '\n', size - static_cast<std::size_t>(nl + 1 - base)));
+    if (!valueEnd) break;
+    line = static_cast<std::size_t>(valueEnd + 1 - base);
   }
 
   // Every tag takes at least two lines of at least one character: this never reallocates,

@@ -139,13 +139,47 @@ class TagEncoder {
   }
 
   void encode(const DxfTag& tag, std::string& out) const {
-    if (format_ == DxfFormat::kAscii)
-      encodeAscii(tag, out);
-    else
+    if (format_ == DxfFormat::kAscii) {
+      if (!copyAsRead(tag, out)) encodeAscii(tag, out);
+    } else {
       encodeBinary(tag, out);
+    }
   }
 
  private:
+  // A tag of a changed object that still holds the value read from an ASCII file written
+  // back as ASCII keeps its two lines exactly: files pad group codes unevenly (" 3" in one
+  // object, "  3" in the next) and end lines as they like, and a fix must not rewrite what
+  // it did not change. False when the tag has no such lines, or they hold another code.
+  bool copyAsRead(const DxfTag& tag, std::string& out) const {
+    if (doc_.format() != DxfFormat::kAscii || tag.isBinaryForm() || tag.isInPool()) return false;
+    const std::string_view source = doc_.bytes();
+    const std::size_t valueBegin = tag.offset();
+    if (valueBegin == 0 || valueBegin > source.size() || source[valueBegin - 1] != '\n')
+      return false;
+    std::size_t codeEnd = valueBegin - 1;
+    if (codeEnd > 0 && source[codeEnd - 1] == '\r') --codeEnd;
+    const std::size_t lineFeed = source.rfind('\n', codeEnd == 0 ? 0 : codeEnd - 1);
+    const std::size_t codeBegin =
+        (lineFeed == std::string_view::npos || lineFeed >= codeEnd) ? 0 : lineFeed + 1;
+    if (codeBegin < doc_.preamble().size()) return false;
+    std::string_view code = source.substr(codeBegin, codeEnd - codeBegin);
+    while (!code.empty() && (code.front() == ' ' || code.front() == '\t')) code.remove_prefix(1);
+    while (!code.empty() && (code.back() == ' ' || code.back() == '\t')) code.remove_suffix(1);
+    int parsed = 0;
+    auto [end, ec] = std::from_chars(code.data(), code.data() + code.size(), parsed);
+    if (ec != std::errc() || end != code.data() + code.size() || parsed != tag.code) return false;
+    std::size_t valueEnd = valueBegin + doc_.rawValue(tag).size();
+    if (valueEnd < source.size() && source[valueEnd] == '\r') ++valueEnd;
+    if (valueEnd < source.size() && source[valueEnd] == '\n') {
+      out.append(source.substr(codeBegin, valueEnd + 1 - codeBegin));
+    } else {  // the file's last line, without an ending
+      out.append(source.substr(codeBegin, valueBegin + doc_.rawValue(tag).size() - codeBegin));
+      newline(out);
+    }
+    return true;
+  }
+
   void encodeAscii(const DxfTag& tag, std::string& out) const {
     char digits[16];
     auto [end, ec] = std::to_chars(digits, digits + sizeof digits, static_cast<int>(tag.code));

@@ -58,25 +58,43 @@ bool StDbReaderWriterImpl::writeStandardFiles(const OdArray<OdString>& files) {
   if (!db_) return false;
   OdDbObjectId nodId = db_->getNamedObjectsDictionaryId();
   if (nodId.isNull()) return false;
-  OdDbDictionaryPtr nod = nodId.safeOpenObject(OdDb::kForWrite);
 
-  OdDbDictionaryPtr list;
-  OdDbObjectId listId = nod->getAt(kStandardKey);
+  // Only what changes is written: an entry that already holds its path stays as it is, one
+  // holding another path is rewritten in place (it keeps its handle), and entries are added
+  // or taken out only at the end of the list. Saving then leaves every untouched object of
+  // the drawing as it was read.
+  OdDbObjectId listId = OdDbDictionaryPtr(nodId.safeOpenObject())->getAt(kStandardKey);
   if (listId.isNull()) {
-    list = OdDbDictionary::createObject();
-    nod->setAt(kStandardKey, list.get());
-  } else {
-    list = listId.safeOpenObject(OdDb::kForWrite);
-    const std::uint32_t count = list->numEntries();
-    for (std::uint32_t i = 0; i < count; ++i) list->remove(entryKey(i));
+    OdDbDictionaryPtr nod = nodId.safeOpenObject(OdDb::kForWrite);
+    OdDbDictionaryPtr created = OdDbDictionary::createObject();
+    listId = nod->setAt(kStandardKey, created.get());
   }
+  OdDbDictionaryPtr list = listId.safeOpenObject(OdDb::kForWrite);
+  const std::uint32_t oldCount = list->numEntries();
 
   for (std::uint32_t i = 0; i < files.size(); ++i) {
-    OdResBufPtr chain = OdResBuf::newRb(1, files[i]);
-    OdDbXrecordPtr record = OdDbXrecord::createObject();
-    record->setFromRbChain(chain.get());
+    OdDbObjectId entryId = list->getAt(entryKey(i));
+    OdDbObjectPtr entry = entryId.isNull() ? OdDbObjectPtr() : entryId.openObject();
+    OdDbXrecordPtr record;
+    if (entry && entry->isKindOf(OdDbXrecord::desc())) record = entry;
+    if (record) {
+      OdResBufPtr chain = record->rbChain();
+      if (chain && chain->restype() == 1 && chain->getString() == files[i] && !chain->next())
+        continue;
+      entry.release();
+      record = entryId.safeOpenObject(OdDb::kForWrite);
+      record->setFromRbChain(OdResBuf::newRb(1, files[i]).get());
+      continue;
+    }
+    record = OdDbXrecord::createObject();
+    record->setFromRbChain(OdResBuf::newRb(1, files[i]).get());
     list->setAt(entryKey(i), record.get());
   }
+
+  // The entries the list held past its new end go; an entry beyond a gap, which readers
+  // never reach, is left as it is.
+  for (std::uint32_t i = static_cast<std::uint32_t>(files.size()); i < oldCount; ++i)
+    list->remove(entryKey(i));
   return true;
 }
 

@@ -71,6 +71,61 @@ TEST(StcheckStandardsFiles, OldDrawingsAreCheckedAgainstStandardsOfTheRunOnly) {
   EXPECT_NE(run.output.find("no named-object dictionary"), std::string::npos) << run.output;
 }
 
+TEST(StcheckStandardsFiles, ChangingTheListTouchesOnlyTheEntriesThatChangeAndAFixNone) {
+  if (testsupport::corpusDir().empty()) GTEST_SKIP() << "no corpus at " << STAUDIT_CORPUS_DIR;
+  testsupport::TempDir temp;
+  const fs::path config = temp.path() / "config.json";
+  // Its codes are padded unevenly, so any object written anew would show.
+  const fs::path original = testsupport::corpusDir() / "r2004_dxfvuer_city_map_export.dxf";
+  fs::copy_file(original, temp.path() / "plan.dxf");
+  for (const char* name : {"a.dws", "b.dws", "c.dws"})
+    fs::copy_file(fs::path(STAUDIT_SOURCE_DIR) / "examples/office-standards.dws",
+                  temp.path() / name);
+  // The lines taken out and put in, as "-line|" and "+line|".
+  auto diff = [&](const fs::path& before, const fs::path& after) {
+    return runCommand(
+               "diff --unchanged-line-format= --old-line-format='-%L' "
+               "--new-line-format='+%L' " +
+               shellQuote(before.string()) + " " + shellQuote(after.string()) + " | tr '\\n' '|'")
+        .output;
+  };
+
+  auto run =
+      runStcheckIn(temp.path(), config,
+                   {"standards", "plan.dxf", "--add", "a.dws", "--add", "b.dws", "--add", "c.dws"});
+  ASSERT_EQ(run.exitCode, 0) << run.output;
+  const std::string added = diff(original, temp.path() / "plan.dxf");
+  // The named-object dictionary gains its entry and keeps every other line as it was.
+  EXPECT_EQ(added.substr(0, added.find("+  0|+DICTIONARY|")),
+            "-166f|+1673|+  3|+AcStStandard|+350|+166F|");
+  fs::copy_file(temp.path() / "plan.dxf", temp.path() / "three.dxf");
+
+  // Removing the middle one rewrites entry 1 in place and takes entry 2 out: "b.dws" makes
+  // way for "c.dws" in the record 1671, and the record 1672 goes.
+  run = runStcheckIn(temp.path(), config, {"standards", "plan.dxf", "--remove", "b.dws"});
+  ASSERT_EQ(run.exitCode, 0) << run.output;
+  EXPECT_EQ(diff(temp.path() / "three.dxf", temp.path() / "plan.dxf"),
+            "-  3|-2|-350|-1672|-330|-166F|-100|-AcDbXrecord|-280|-1|-  1|-b.dws|-  0|-XRECORD|"
+            "-  5|-1672|");
+  fs::copy_file(temp.path() / "plan.dxf", temp.path() / "two.dxf");
+  run = runStcheckIn(temp.path(), config, {"standards", "plan.dxf", "--add", "c.dws"});
+  EXPECT_EQ(readBytes(temp.path() / "plan.dxf"), readBytes(temp.path() / "two.dxf"));
+
+  // A fix against the standards of the run leaves the drawing's own list byte for byte.
+  run = runStcheckIn(temp.path(), config, {"check", "plan.dxf", "--standard", "a.dws", "--fix"});
+  ASSERT_TRUE(fs::exists(temp.path() / "plan.bak")) << run.output;
+  auto kept = runCommand(
+      std::string(STAUDIT_PYTHON) + " -c " +
+      shellQuote("import sys; sys.path.insert(0, sys.argv[1]); from derived_standards import *\n"
+                 "a, b = Drawing(sys.argv[2]), Drawing(sys.argv[3])\n"
+                 "print([h for h in ('C', '166F', '1670', '1671') if a.by_key[h] != b.by_key[h]],"
+                 " '1672' in b.by_key)\n") +
+      " " + shellQuote(std::string(STAUDIT_SOURCE_DIR) + "/tests/apps") + " " +
+      shellQuote((temp.path() / "plan.bak").string()) + " " +
+      shellQuote((temp.path() / "plan.dxf").string()));
+  EXPECT_EQ(kept.output, "[] False\n");
+}
+
 TEST(StcheckStandardsFiles, AStandardsFileThatIsNoDrawingStopsTheCheckAsAMissingOneDoes) {
   testsupport::TempDir temp;
   const fs::path config = temp.path() / "config.json";

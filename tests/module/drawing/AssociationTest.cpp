@@ -36,7 +36,14 @@ TEST(Association, ThreePathsThenTwoLeaveEntriesZeroAndOneAfterSaveAndEzdxfReadsT
   OdDbDatabasePtr db = OdDbDatabase::createEmpty();
   auto rw = readerWriter(db.get());
   ASSERT_TRUE(rw->writeStandardFiles(Files{L"/std/a.dws", L"/std/b.dws", L"/std/c.dws"}));
+  const OdDbObjectId zero = standardsList(*db)->getAt(L"0");
+  const OdDbObjectId one = standardsList(*db)->getAt(L"1");
+  const OdDbObjectId two = standardsList(*db)->getAt(L"2");
   ASSERT_TRUE(rw->writeStandardFiles(Files{L"/std/Office.dws", L"/std/Übung ß.dws"}));
+  // Entries are rewritten in place, keeping their handles; only the one past the end goes.
+  EXPECT_EQ(standardsList(*db)->getAt(L"0"), zero);
+  EXPECT_EQ(standardsList(*db)->getAt(L"1"), one);
+  EXPECT_TRUE(two.isErased());
   const auto file = dir.path() / "drawing.dxf";
   OdDbDatabasePtr reread = drawingtest::saveAndReload(*db, file);
 
