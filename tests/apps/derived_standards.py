@@ -4,7 +4,7 @@
 derive DRAWING STANDARD
     Writes STANDARD: the drawing with other colours, linetypes, lineweights, fonts, width
     factors and dimension variables, and every other record of each table renamed to a near
-    miss (Walls -> WALLS, A-WALL -> A_WALL). Exit 3, saying why, when ezdxf cannot read the
+    miss (A-WALL -> A_WALL, CENTER2 -> CENTER-2). Exit 3, saying why, when ezdxf cannot read the
     drawing or write a standard from it.
 
 verify ORIGINAL BACKUP FIXED STANDARD FIRST_REPORT SECOND_REPORT
@@ -32,17 +32,17 @@ DIMVARS = {"dimscale": 2.0, "dimtxt": 3.5, "dimasz": 2.5, "dimexe": 1.25}
 
 
 def near_miss(name):
+    """A name a drafter could have typed for `name`: separators swapped, or a separator put
+    before a trailing number (CENTER2 -> CENTER-2). Names that differ only in case are the same
+    name to every reader, so a change of case is no near miss."""
     if "-" in name:
         return name.replace("-", "_")
     if "_" in name:
         return name.replace("_", "-")
     if " " in name:
         return name.replace(" ", "_")
-    if name != name.upper():
-        return name.upper()
-    if name != name.lower():
-        return name.capitalize() if name.capitalize() != name else name.lower()
-    return None
+    m = re.fullmatch(r"(.*[^0-9])([0-9]+)", name)
+    return f"{m.group(1)}-{m.group(2)}" if m else None
 
 
 def loose(name):
