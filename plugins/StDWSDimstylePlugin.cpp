@@ -117,19 +117,6 @@ OdDbObjectId StDWSDimstylePlugin::copyIn(OdDbDatabase* drawing, OdDbDatabase* st
   return id.isNull() ? id : cloneStyle(drawing, id, OdDb::kDrcIgnore);
 }
 
-void StDWSDimstylePlugin::collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const {
-  StReferenceIndex::forEachEntity(drawing, [&](OdDbEntity& entity) {
-    OdDbObjectId style;
-    if (OdDbDimensionPtr dimension = OdDbDimension::cast(&entity); !dimension.isNull())
-      style = dimension->dimensionStyle();
-    else if (OdDbLeaderPtr leader = OdDbLeader::cast(&entity); !leader.isNull())
-      style = leader->dimensionStyle();
-    else if (OdDbFcfPtr tolerance = OdDbFcf::cast(&entity); !tolerance.isNull())
-      style = tolerance->dimensionStyle();
-    index.add(style, {entity.objectId(), StReferenceKind::kEntityDimStyle});
-  });
-}
-
 StIconHandle StDWSDimstylePlugin::icon() const {
   static const char* const kRows[StIcon::kSize] = {
       "................", "#..............#", "#..............#", "#.#..........#.#",
