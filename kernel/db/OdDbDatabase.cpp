@@ -327,12 +327,23 @@ int OdDbDatabase::retargetRecordReferences(const OdDbObjectId& holder, const OdD
   DxfObject& obj = object->dxf();
   std::vector<OdDbRecordLinks::Link> links;
   OdDbRecordLinks::scan(obj, place, links);
-  std::unordered_map<std::string, OdDbStub*> names;
+  // Names are compared with the record's own rather than looked up: a lookup after each
+  // erased record would index the table anew, for every holder of every replacement.
+  const OdString fromName = impl_->recordName(from.stub());
+  const std::uint64_t fromHandle = from.stub()->handle.value();
   std::vector<const OdDbRecordLinks::Link*> moving;
-  for (const OdDbRecordLinks::Link& link : links)
-    if (link.kind != OdDbRecordLinks::kContainer &&
-        linkTarget(*impl_, obj, link, names) == from.stub())
-      moving.push_back(&link);
+  for (const OdDbRecordLinks::Link& link : links) {
+    bool refers = false;
+    if (link.kind == OdDbRecordLinks::kPointer) {
+      OdDbHandle h;
+      refers = OdDbHandle::parse(obj.rawValue(link.tag), h) && h.value() == fromHandle;
+    } else if (link.kind == OdDbRecordLinks::kName && link.table == table) {
+      OdString value = obj.text(link.tag);
+      value.trimRight();
+      refers = value.iCompare(fromName) == 0;
+    }
+    if (refers) moving.push_back(&link);
+  }
   if (moving.empty()) return 0;
   object->assertWriteEnabled();
   const OdString handle = OdString::fromUtf8(to.getHandle().ascii());
