@@ -41,19 +41,19 @@ void StReferenceIndex::moveAll(const OdDbObjectId& from, const OdDbObjectId& to)
   std::vector<OdDbObjectId> moving = std::move(it->second);
   references_.erase(it);
   std::vector<OdDbObjectId>& target = references_[to];
-  // Each holder joins the target as soon as it is moved, so that an error part way leaves
-  // the index telling the truth about what was moved and what was not.
-  for (std::size_t i = 0; i < moving.size(); ++i) {
-    if (moving[i].isErased()) continue;  // erased since: refers to nothing any more
-    try {
-      drawing_->retargetRecordReferences(moving[i], from, to);
-    } catch (...) {
-      std::vector<OdDbObjectId>& left = references_[from];
-      left.insert(left.end(), moving.begin() + static_cast<std::ptrdiff_t>(i), moving.end());
-      throw;
-    }
-    target.push_back(moving[i]);
+  // Every holder is changed in one call; when one cannot be, those before it have moved and
+  // the index says so.
+  std::size_t done = 0;
+  try {
+    drawing_->retargetRecordReferences(moving, from, to, done);
+  } catch (...) {
+    target.insert(target.end(), moving.begin(), moving.begin() + static_cast<std::ptrdiff_t>(done));
+    std::vector<OdDbObjectId>& left = references_[from];
+    left.insert(left.end(), moving.begin() + static_cast<std::ptrdiff_t>(done), moving.end());
+    throw;
   }
+  for (const OdDbObjectId& holder : moving)
+    if (!holder.isErased()) target.push_back(holder);
 }
 
 }  // namespace st

@@ -310,45 +310,55 @@ std::vector<OdDbDatabase::RecordReference> OdDbDatabase::recordReferences(
   return result;
 }
 
-int OdDbDatabase::retargetRecordReferences(const OdDbObjectId& holder, const OdDbObjectId& from,
-                                           const OdDbObjectId& to) {
+std::size_t OdDbDatabase::retargetRecordReferences(const std::vector<OdDbObjectId>& holders,
+                                                   const OdDbObjectId& from, const OdDbObjectId& to,
+                                                   std::size_t& done) {
+  done = 0;
   if (from.isNull() || to.isNull() || from.database() != this || to.database() != this)
     throw OdError(eInvalidInput, "a reference is moved between records of one drawing");
   const Table table = tableOfRecord(*impl_, from.stub());
   if (table == OdDbDatabaseImpl::kTableKinds || !impl_->isRecordOf(to.stub(), table))
     throw OdError(eInvalidInput, "the objects " + from.getHandle().ascii() + " and " +
                                      to.getHandle().ascii() + " are not records of one table");
-  if (holder.isNull() || holder.database() != this || holder.isErased() || from == to) return 0;
-  const OdDbStub* stub = holder.stub();
-  if (stub->section == OdDbStub::kNoSection || (stub->flags & OdDbStub::kDetached)) return 0;
-  const OdDbRecordLinks::Place place =
-      OdDbRecordLinks::placeOf(impl_->doc().section(stub->section).name());
-  OdDbObjectPtr object = holder.safeOpenObject(OdDb::kForWrite);
-  DxfObject& obj = object->dxf();
-  std::vector<OdDbRecordLinks::Link> links;
-  OdDbRecordLinks::scan(obj, place, links);
   // Names are compared with the record's own rather than looked up: a lookup after each
   // erased record would index the table anew, for every holder of every replacement.
   const OdString fromName = impl_->recordName(from.stub());
   const std::uint64_t fromHandle = from.stub()->handle.value();
-  std::vector<const OdDbRecordLinks::Link*> moving;
-  for (const OdDbRecordLinks::Link& link : links) {
-    bool refers = false;
-    if (link.kind == OdDbRecordLinks::kPointer) {
-      OdDbHandle h;
-      refers = OdDbHandle::parse(obj.rawValue(link.tag), h) && h.value() == fromHandle;
-    } else if (link.kind == OdDbRecordLinks::kName && link.table == table) {
-      OdString value = obj.text(link.tag);
-      value.trimRight();
-      refers = value.iCompare(fromName) == 0;
-    }
-    if (refers) moving.push_back(&link);
-  }
-  if (moving.empty()) return 0;
-  object->assertWriteEnabled();
   const OdString handle = OdString::fromUtf8(to.getHandle().ascii());
   const OdString name = impl_->recordName(to.stub());
-  for (const OdDbRecordLinks::Link* link : moving)
-    obj.setText(link->tag, link->kind == OdDbRecordLinks::kName ? name : handle);
-  return static_cast<int>(moving.size());
+  std::size_t changed = 0;
+  std::vector<OdDbRecordLinks::Link> links;
+  std::vector<std::pair<std::size_t, bool>> moving;  // tag, and whether it is a name
+  for (const OdDbObjectId& holder : holders) {
+    const OdDbStub* stub = holder.stub();
+    if (from != to && !holder.isNull() && holder.database() == this && !holder.isErased() &&
+        stub->section != OdDbStub::kNoSection && !(stub->flags & OdDbStub::kDetached)) {
+      DxfObject& obj = impl_->dxf(stub);
+      links.clear();
+      OdDbRecordLinks::scan(
+          obj, OdDbRecordLinks::placeOf(impl_->doc().section(stub->section).name()), links);
+      moving.clear();
+      for (const OdDbRecordLinks::Link& link : links) {
+        bool refers = false;
+        if (link.kind == OdDbRecordLinks::kPointer) {
+          OdDbHandle h;
+          refers = OdDbHandle::parse(obj.rawValue(link.tag), h) && h.value() == fromHandle;
+        } else if (link.kind == OdDbRecordLinks::kName && link.table == table) {
+          OdString value = obj.text(link.tag);
+          value.trimRight();
+          refers = value.iCompare(fromName) == 0;
+        }
+        if (refers) moving.emplace_back(link.tag, link.kind == OdDbRecordLinks::kName);
+      }
+      if (!moving.empty()) {
+        OdDbObjectPtr object = holder.safeOpenObject(OdDb::kForWrite);
+        object->assertWriteEnabled();
+        DxfObject& tags = object->dxf();
+        for (const auto& [tag, isName] : moving) tags.setText(tag, isName ? name : handle);
+        changed += moving.size();
+      }
+    }
+    ++done;
+  }
+  return changed;
 }

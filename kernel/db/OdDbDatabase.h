@@ -87,13 +87,16 @@ class OdDbDatabase : public OdRxObject {
   // per (record, holder, link), holders in file order. An object does not refer to itself; the
   // header is not read (its variables name records by name: see getHeaderVariable).
   std::vector<RecordReference> recordReferences(const OdDbObjectIdArray& records) const;
-  // Points every pointer and name in `holder` that refers to the record `from` at the record
-  // `to` of the same table, in place, leaving container links and everything else as they
-  // are; returns how many tags changed. Opens `holder` for write (reactors hear of the
-  // change). Throws OdError: eInvalidInput when `from` and `to` are not records of one table of
-  // this drawing, or what opening `holder` for write throws.
-  int retargetRecordReferences(const OdDbObjectId& holder, const OdDbObjectId& from,
-                               const OdDbObjectId& to);
+  // Points every pointer and name in each of `holders` that refers to the record `from` at the
+  // record `to` of the same table, in place, leaving container links and everything else as
+  // they are; returns how many tags changed. `done` counts the holders dealt with so far (an
+  // erased one or one not referring counts too), so that after an exception it tells where
+  // the work stopped. Opens each changed holder for write (reactors hear of the change).
+  // Throws OdError: eInvalidInput when `from` and `to` are not records of one table of this
+  // drawing, or what opening a holder for write throws.
+  std::size_t retargetRecordReferences(const std::vector<OdDbObjectId>& holders,
+                                       const OdDbObjectId& from, const OdDbObjectId& to,
+                                       std::size_t& done);
 
   // Well-known objects; null ids when the drawing lacks them (a release-12 file has no
   // named-object dictionary).

@@ -176,10 +176,13 @@ TEST(DbReference, RecordReferencesTellPointersNamesAndContainersAndRetargetInPla
                 {walls, pointId, Link::kName},
                 {notesId, extension, Link::kContainer}}));
 
-  EXPECT_EQ(db->retargetRecordReferences(dimStandard, standard, notesId), 1);
-  EXPECT_EQ(db->retargetRecordReferences(extension, notesId, standard), 0)
+  std::size_t done = 0;
+  EXPECT_EQ(db->retargetRecordReferences({dimStandard}, standard, notesId, done), 1u);
+  EXPECT_EQ(db->retargetRecordReferences({extension}, notesId, standard, done), 0u)
       << "a container link is not moved";
-  EXPECT_EQ(db->retargetRecordReferences(pointId, walls, db->getLayerZeroId()), 1);
+  EXPECT_EQ(db->retargetRecordReferences({pointId, dimStandard}, walls, db->getLayerZeroId(), done),
+            1u);
+  EXPECT_EQ(done, 2u);
   OdDbDimStyleTableRecordPtr dim = dimStandard.safeOpenObject();
   EXPECT_EQ(dim->dimtxsty(), notesId);
   dim.release();
@@ -188,7 +191,7 @@ TEST(DbReference, RecordReferencesTellPointersNamesAndContainersAndRetargetInPla
   moved.release();
   EXPECT_EQ(found({standard, walls}),
             (std::vector<std::tuple<OdDbObjectId, OdDbObjectId, Link>>{}));
-  EXPECT_EQ(errorOf([&] { db->retargetRecordReferences(dimStandard, notesId, walls); }),
+  EXPECT_EQ(errorOf([&] { db->retargetRecordReferences({dimStandard}, notesId, walls, done); }),
             eInvalidInput)
       << "a text style is not replaced by a layer";
 }
