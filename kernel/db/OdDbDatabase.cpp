@@ -323,6 +323,12 @@ std::size_t OdDbDatabase::retargetRecordReferences(const std::vector<OdDbObjectI
   // Names are compared with the record's own rather than looked up: a lookup after each
   // erased record would index the table anew, for every holder of every replacement.
   const OdString fromName = impl_->recordName(from.stub());
+  // Most names are written as the record writes its own: equal bytes need no decoding.
+  std::string_view fromRaw;
+  {
+    const DxfObject& record = impl_->dxf(from.stub());
+    if (std::size_t at = record.find(2); at != DxfObject::npos) fromRaw = record.rawValue(at);
+  }
   const std::uint64_t fromHandle = from.stub()->handle.value();
   const OdString handle = OdString::fromUtf8(to.getHandle().ascii());
   const OdString name = impl_->recordName(to.stub());
@@ -344,9 +350,12 @@ std::size_t OdDbDatabase::retargetRecordReferences(const std::vector<OdDbObjectI
           OdDbHandle h;
           refers = OdDbHandle::parse(obj.rawValue(link.tag), h) && h.value() == fromHandle;
         } else if (link.kind == OdDbRecordLinks::kName && link.table == table) {
-          OdString value = obj.text(link.tag);
-          value.trimRight();
-          refers = value.iCompare(fromName) == 0;
+          refers = !fromRaw.empty() && obj.rawValue(link.tag) == fromRaw;
+          if (!refers) {
+            OdString value = obj.text(link.tag);
+            value.trimRight();
+            refers = value.iCompare(fromName) == 0;
+          }
         }
         if (refers) moving.emplace_back(link.tag, link.kind == OdDbRecordLinks::kName);
       }

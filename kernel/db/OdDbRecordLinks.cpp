@@ -45,8 +45,13 @@ OdDbRecordLinks::Place OdDbRecordLinks::placeOf(std::string_view sectionName) {
 }
 
 void OdDbRecordLinks::scan(const DxfObject& obj, Place place, std::vector<Link>& out) {
-  const std::string_view type = obj.type();
-  if (type == "TABLE" || type.empty()) return;
+  // An entity's type matters only for a group 3: it is read when one comes, as there are
+  // millions of entities and few of them are dimensions.
+  std::string_view type;
+  if (place != kBlocksOrEntities) {
+    type = obj.type();
+    if (type == "TABLE" || type.empty()) return;
+  }
   bool ownerSeen = false;
   bool xdata = false;
   int markers = 0;
@@ -72,6 +77,8 @@ void OdDbRecordLinks::scan(const DxfObject& obj, Place place, std::vector<Link>&
       continue;
     }
     if (xdata) continue;
+    if (code != 3 && code != 6 && code != 7 && code != 8) continue;
+    if (type.empty() && (place != kBlocksOrEntities || code == 3)) type = obj.type();
     const OdDbDatabaseImpl::TableKind table = nameTable(place, type, code);
     if (table != OdDbDatabaseImpl::kTableKinds) out.push_back({i, kName, table});
   }
