@@ -28,6 +28,15 @@ OdDbDatabaseImpl::TableKind nameTable(OdDbRecordLinks::Place place, std::string_
     case OdDbRecordLinks::kTables:
       return code == 6 && type == "LAYER" ? Impl::kLtype : Impl::kTableKinds;
     case OdDbRecordLinks::kObjects:
+      // An XRECORD's groups keep their meaning (layer states list layers and linetypes by
+      // name); layer filters and indexes list layers.
+      if (type == "XRECORD") {
+        if (code == 8) return Impl::kLayer;
+        if (code == 6) return Impl::kLtype;
+        if (code == 7) return Impl::kStyle;
+        return Impl::kTableKinds;
+      }
+      if (code == 8 && (type == "LAYER_FILTER" || type == "LAYER_INDEX")) return Impl::kLayer;
       return code == 6 && type == "MLINESTYLE" ? Impl::kLtype : Impl::kTableKinds;
     case OdDbRecordLinks::kOther:
       break;

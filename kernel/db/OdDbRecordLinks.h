@@ -13,11 +13,12 @@ class DxfObject;
 //
 // Pointers are the groups 320-369, 390-399, 480-481 and extended data 1005, wherever they
 // stand. Names are the groups that name a record as text: 8 (layer), 6 (linetype) and
-// 7 (text style) of an entity, 3 (dimension style) of a dimension, leader or tolerance, 6 of a
-// layer record and of a multiline style; an entity's names count wherever they stand before its
-// extended data, since writers do not all keep them in the entity's common subclass. The first
-// 330 of the common tags (the owner) and the handles of 102 groups (reactors, extension
-// dictionary) tie an object to its container: they are container links, never moved.
+// 7 (text style) of an entity or an XRECORD, 3 (dimension style) of a dimension, leader or
+// tolerance, 6 of a layer record and of a multiline style, 8 of a layer filter or index; an
+// entity's names count wherever they stand before its extended data, since writers do not all keep
+// them in the entity's common subclass. The first 330 of the common tags (the owner) and the
+// handles of 102 groups (reactors, extension dictionary) tie an object to its container: they are
+// container links, never moved.
 class OdDbRecordLinks {
  public:
   enum Kind { kPointer, kName, kContainer };

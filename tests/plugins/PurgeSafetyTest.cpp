@@ -52,8 +52,8 @@ class PurgeSafetyTest : public ::testing::Test {
     // A block "Tag", an insert of it with an attribute, a polyline with two vertices, all on
     // the old layer; an arc dimension, a multileader, a proxy entity (its layer before its
     // common subclass), a line with extended data, each referring to an old record; a
-    // multileader style and an XRECORD referring by handle; an XRECORD Frame_Old is a reactor
-    // of, and a line on Frame_Old. Handles from F001 up, above those the drawing has.
+    // multileader style and an XRECORD referring by handle (and by name); an XRECORD Frame_Old is a
+    // reactor of, and a line on Frame_Old. Handles from F001 up, above those the drawing has.
     std::string text = plan->writeBuffer(false);
     insertBefore(text, "BLOCK_RECORD", "ENDTAB",
                  "0\nBLOCK_RECORD\n5\nF010\n330\n" + blockTable +
@@ -103,8 +103,8 @@ class PurgeSafetyTest : public ::testing::Test {
                  "0\nMLEADERSTYLE\n5\nF008\n330\n" + root +
                      "\n100\nAcDbMLeaderStyle\n179\n2\n342\n" + label +
                      "\n0\nXRECORD\n5\nF00D\n330\n" + root + "\n100\nAcDbXrecord\n280\n1\n330\n" +
-                     walls + "\n0\nXRECORD\n5\nF00E\n102\n{ACAD_REACTORS\n330\n" + frame +
-                     "\n102\n}\n330\n" + root + "\n100\nAcDbXrecord\n280\n1\n1\nkept\n");
+                     walls + "\n8\nWalls_Old\n0\nXRECORD\n5\nF00E\n102\n{ACAD_REACTORS\n330\n" +
+                     frame + "\n102\n}\n330\n" + root + "\n100\nAcDbXrecord\n280\n1\n1\nkept\n");
     // The value of $HANDSEED is the second line after its name.
     const size_t name = text.find("$HANDSEED\n");
     ASSERT_NE(name, std::string::npos);
@@ -193,6 +193,7 @@ TEST_F(PurgeSafetyTest, AReplacementMovesEveryReferenceAndAContainerKeepsItsReco
       "print(e['F009'].dxf.dimstyle, e['F00A'].dxf.layer, e['F00B'].dxf.layer, "
       "e['F00F'].dxf.layer)\n"
       "print(name(e['F00C'].get_xdata('ACAD')[0].value), name(e['F00D'].tags[0].value),\n"
+      "      e['F00D'].tags[1].value,\n"
       "      name(e['F00A'].dxf.text_style_handle))\n",
       fixed);
   EXPECT_EQ(result.exitCode, 0) << result.output;
@@ -205,7 +206,7 @@ TEST_F(PurgeSafetyTest, AReplacementMovesEveryReferenceAndAContainerKeepsItsReco
             "['Walls-Old', 'Walls-Old'] Walls-Old\n"
             "Label-Old\n"
             "Dims-Old Walls-Old Walls-Old Frame_Old\n"
-            "Walls-Old Walls-Old Notes-Old\n");
+            "Walls-Old Walls-Old Walls-Old Notes-Old\n");
 }
 
 }  // namespace
