@@ -1,9 +1,6 @@
 #include "StDWSDimstylePlugin.h"
 
 #include "OdDbDimStyleTableRecord.h"
-#include "OdDbDimension.h"
-#include "OdDbFcf.h"
-#include "OdDbLeader.h"
 #include "OdDbSymbolTable.h"
 #include "OdError.h"
 #include "OdResBuf.h"

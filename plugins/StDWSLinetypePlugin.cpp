@@ -1,7 +1,5 @@
 #include "StDWSLinetypePlugin.h"
 
-#include "OdDbDimStyleTableRecord.h"
-#include "OdDbLayerTableRecord.h"
 #include "OdDbLinetypeTableRecord.h"
 #include "OdDbSymbolTable.h"
 #include "StIcon.h"

@@ -1,9 +1,6 @@
 #include "StDWSTextstylePlugin.h"
 
-#include "OdDbDimStyleTableRecord.h"
-#include "OdDbMText.h"
 #include "OdDbSymbolTable.h"
-#include "OdDbText.h"
 #include "OdDbTextStyleTableRecord.h"
 #include "StIcon.h"
 #include "StRecordCloning.h"

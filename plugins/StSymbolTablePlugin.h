@@ -47,8 +47,8 @@ using StPropertyList = std::vector<std::pair<OdString, OdVariant>>;
 // Errors are found one at a time, as next() moves on, so that what earlier fixes changed is
 // seen. start() places the walk before the first error; next() moves to it.
 //
-// A derived plug-in names its table, reads and applies properties, copies records in and
-// lists the references to its records; everything else happens here.
+// A derived plug-in names its table, reads and applies properties and copies records in;
+// everything else, finding and moving the references to its records included, happens here.
 class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin>, public StRankedFixes {
  public:
   static constexpr std::uint64_t kTagProperties = 1;
