@@ -1,9 +1,6 @@
 #include "StDWSDimstylePlugin.h"
 
 #include "OdDbDimStyleTableRecord.h"
-#include "OdDbDimension.h"
-#include "OdDbFcf.h"
-#include "OdDbLeader.h"
 #include "OdDbSymbolTable.h"
 #include "OdError.h"
 #include "OdResBuf.h"
@@ -115,19 +112,6 @@ OdDbObjectId StDWSDimstylePlugin::copyIn(OdDbDatabase* drawing, OdDbDatabase* st
   OdDbSymbolTablePtr styles = standard->getDimStyleTableId().safeOpenObject();
   const OdDbObjectId id = styles->getAt(name);
   return id.isNull() ? id : cloneStyle(drawing, id, OdDb::kDrcIgnore);
-}
-
-void StDWSDimstylePlugin::collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const {
-  StReferenceIndex::forEachEntity(drawing, [&](OdDbEntity& entity) {
-    OdDbObjectId style;
-    if (OdDbDimensionPtr dimension = OdDbDimension::cast(&entity); !dimension.isNull())
-      style = dimension->dimensionStyle();
-    else if (OdDbLeaderPtr leader = OdDbLeader::cast(&entity); !leader.isNull())
-      style = leader->dimensionStyle();
-    else if (OdDbFcfPtr tolerance = OdDbFcf::cast(&entity); !tolerance.isNull())
-      style = tolerance->dimensionStyle();
-    index.add(style, {entity.objectId(), StReferenceKind::kEntityDimStyle});
-  });
 }
 
 StIconHandle StDWSDimstylePlugin::icon() const {

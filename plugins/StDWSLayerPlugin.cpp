@@ -129,12 +129,6 @@ OdDbObjectId StDWSLayerPlugin::copyIn(OdDbDatabase* drawing, OdDbDatabase* stand
   return stCloneLayerTableRecord(drawing, standard, name, id) == eOk ? id : OdDbObjectId();
 }
 
-void StDWSLayerPlugin::collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const {
-  StReferenceIndex::forEachEntity(drawing, [&](OdDbEntity& entity) {
-    index.add(entity.layerId(), {entity.objectId(), StReferenceKind::kEntityLayer});
-  });
-}
-
 StIconHandle StDWSLayerPlugin::icon() const {
   static const char* const kRows[StIcon::kSize] = {
       "................", "................", "......####......", "....##....##....",

@@ -24,7 +24,6 @@ class StDWSLayerPlugin : public StSymbolTablePlugin {
   bool applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) override;
   OdDbObjectId copyIn(OdDbDatabase* drawing, OdDbDatabase* standard, const OdString& name) override;
   std::vector<const char*> headerVariables() const override { return {"$CLAYER"}; }
-  void collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const override;
 };
 
 }  // namespace st

@@ -1,7 +1,5 @@
 #include "StDWSLinetypePlugin.h"
 
-#include "OdDbDimStyleTableRecord.h"
-#include "OdDbLayerTableRecord.h"
 #include "OdDbLinetypeTableRecord.h"
 #include "OdDbSymbolTable.h"
 #include "StIcon.h"
@@ -26,9 +24,6 @@ OdString patternText(OdDbLinetypeTableRecord& linetype) {
   }
   return text;
 }
-
-// The dimension variables that name linetypes: DIMLTYPE, DIMLTEX1, DIMLTEX2.
-constexpr int kDimLinetypeCodes[] = {345, 346, 347};
 
 }  // namespace
 
@@ -70,25 +65,6 @@ OdDbObjectId StDWSLinetypePlugin::copyIn(OdDbDatabase* drawing, OdDbDatabase* st
                                          const OdString& name) {
   OdDbObjectId id;
   return stCloneLinetypeTableRecord(drawing, standard, name, id) == eOk ? id : OdDbObjectId();
-}
-
-void StDWSLinetypePlugin::collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const {
-  StReferenceIndex::forEachEntity(drawing, [&](OdDbEntity& entity) {
-    index.add(entity.linetypeId(), {entity.objectId(), StReferenceKind::kEntityLinetype});
-  });
-  OdDbSymbolTablePtr layers = drawing->getLayerTableId().safeOpenObject();
-  for (auto it = layers->newIterator(); !it->done(); it->step()) {
-    OdDbLayerTableRecordPtr layer = it->getRecord();
-    index.add(layer->linetypeObjectId(), {it->getRecordId(), StReferenceKind::kLayerLinetype});
-  }
-  OdDbSymbolTablePtr styles = drawing->getDimStyleTableId().safeOpenObject();
-  for (auto it = styles->newIterator(); !it->done(); it->step()) {
-    OdDbDimStyleTableRecordPtr style = it->getRecord();
-    for (int code : kDimLinetypeCodes)
-      if (OdResBufPtr value = style->getDimVar(code); !value.isNull())
-        index.add(value->getObjectId(drawing),
-                  {it->getRecordId(), StReferenceKind::kDimStyleLinetype, code});
-  }
 }
 
 StIconHandle StDWSLinetypePlugin::icon() const {

@@ -25,7 +25,6 @@ class StDWSLinetypePlugin : public StSymbolTablePlugin {
   bool applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) override;
   OdDbObjectId copyIn(OdDbDatabase* drawing, OdDbDatabase* standard, const OdString& name) override;
   std::vector<const char*> headerVariables() const override { return {"$CELTYPE"}; }
-  void collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const override;
 };
 
 }  // namespace st

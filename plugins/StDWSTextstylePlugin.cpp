@@ -1,9 +1,6 @@
 #include "StDWSTextstylePlugin.h"
 
-#include "OdDbDimStyleTableRecord.h"
-#include "OdDbMText.h"
 #include "OdDbSymbolTable.h"
-#include "OdDbText.h"
 #include "OdDbTextStyleTableRecord.h"
 #include "StIcon.h"
 #include "StRecordCloning.h"
@@ -59,21 +56,6 @@ OdDbObjectId StDWSTextstylePlugin::copyIn(OdDbDatabase* drawing, OdDbDatabase* s
                                           const OdString& name) {
   OdDbObjectId id;
   return stCloneTextStyleTableRecord(drawing, standard, name, id) == eOk ? id : OdDbObjectId();
-}
-
-void StDWSTextstylePlugin::collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const {
-  StReferenceIndex::forEachEntity(drawing, [&](OdDbEntity& entity) {
-    // Attribute definitions are texts too.
-    if (OdDbTextPtr text = OdDbText::cast(&entity); !text.isNull())
-      index.add(text->textStyle(), {entity.objectId(), StReferenceKind::kTextStyle});
-    else if (OdDbMTextPtr mtext = OdDbMText::cast(&entity); !mtext.isNull())
-      index.add(mtext->textStyle(), {entity.objectId(), StReferenceKind::kTextStyle});
-  });
-  OdDbSymbolTablePtr styles = drawing->getDimStyleTableId().safeOpenObject();
-  for (auto it = styles->newIterator(); !it->done(); it->step()) {
-    OdDbDimStyleTableRecordPtr style = it->getRecord();
-    index.add(style->dimtxsty(), {it->getRecordId(), StReferenceKind::kDimStyleTextStyle});
-  }
 }
 
 StIconHandle StDWSTextstylePlugin::icon() const {

@@ -1,72 +1,44 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "OdDbDatabase.h"
-#include "OdDbEntity.h"
 #include "OdDbObjectId.h"
 
 namespace st {
 
-// How an object refers to a symbol table record, so that the reference can be moved.
-enum class StReferenceKind {
-  kEntityLayer,        // an entity's layer
-  kEntityLinetype,     // an entity's linetype
-  kLayerLinetype,      // a layer's linetype
-  kTextStyle,          // a text's, attribute definition's or multi-line text's style
-  kDimStyleTextStyle,  // a dimension style's text style (DIMTXSTY)
-  kDimStyleLinetype,   // a dimension style's linetypes (DIMLTYPE, DIMLTEX1, DIMLTEX2)
-  kEntityDimStyle,     // a dimension's, leader's or tolerance's dimension style
-};
-
-struct StReference {
-  OdDbObjectId holder;  // the object that holds the reference
-  StReferenceKind kind;
-  int code = 0;  // for kDimStyleLinetype: the group code of the variable
-};
-
-// Who refers to which record of one kind, taken in one walk over the drawing and kept up to
-// date as fixes move references, so that fixing every problem of a check walks the entities
-// a bounded number of times instead of once per problem.
+// Who refers to which record of a table, taken in one walk over the whole drawing (entities of
+// every block with their attributes and vertices, table records, objects, extension
+// dictionaries, extended data) and kept up to date as fixes move references, so that fixing
+// every problem of a check walks the drawing once instead of once per problem.
 //
-// The index lists what a fix may move: entities of every block (model space, layouts, block
-// definitions) with their attributes, vertices and SEQENDs, layers, dimension styles. Apart
-// from these it notes the objects that refer to a record by handle (a linetype's text style,
-// an object of a type the kernel has no class for), which cannot be moved: a record such an
-// object still names must be kept.
+// A reference is a pointer to the record or its name as text, wherever the format lets it
+// stand (see OdDbDatabase::recordReferences): replacing the record moves it. Objects the
+// record is the container of (its extension dictionary, objects it is a reactor of) are
+// listed apart: they belong to the record, cannot be moved, and keep it.
 class StReferenceIndex {
  public:
-  // Adds `reference` to the records that refer to `record`.
-  void add(const OdDbObjectId& record, const StReference& reference);
-  // The references to `record`; empty when nothing refers to it.
-  const std::vector<StReference>& referencesTo(const OdDbObjectId& record) const;
-  // Points every reference to `from` at `to` (a record of the same table of the same
-  // drawing), and moves them in the index. Throws the kernel's OdError when an object
-  // cannot be opened for write.
+  // Indexes what refers to `records` (records of one table of `drawing`, which must outlive
+  // the index).
+  StReferenceIndex(OdDbDatabase* drawing, const OdDbObjectIdArray& records);
+
+  // The objects that refer to `record`; empty when nothing does.
+  const std::vector<OdDbObjectId>& referencesTo(const OdDbObjectId& record) const;
+  // The objects `record` is the container of; empty when there are none.
+  const std::vector<OdDbObjectId>& containedIn(const OdDbObjectId& record) const;
+  // Points every reference to `from` at `to` (a record of the same table of the drawing), one
+  // object at a time, and moves them in the index. Throws the kernel's OdError when an object
+  // cannot be changed; the index then still lists under `from` what was not moved.
   void moveAll(const OdDbObjectId& from, const OdDbObjectId& to);
-  // References to `record` are not listed from now on (records that are never replaced).
-  void skipReferencesTo(const OdDbObjectId& record) { skipped_.insert(record); }
-  // Notes the objects of `drawing` that refer to any of `records` by handle, in one walk.
-  void addHandleReferences(OdDbDatabase* drawing, const OdDbObjectIdArray& records);
-  // Whether an object noted by addHandleReferences still refers to `record` by handle.
-  bool isHeldByHandle(const OdDbObjectId& record) const;
-  // The number of references added.
+  // The number of (record, referrer) pairs found by the walk.
   std::size_t size() const { return count_; }
 
-  // Points one reference at `to`.
-  static void retarget(const StReference& reference, const OdDbObjectId& to);
-  // Calls `visit` with every entity of every block of `db`, and with the attributes,
-  // vertices and SEQEND that belong to it, each open for read.
-  static void forEachEntity(OdDbDatabase* db, const std::function<void(OdDbEntity&)>& visit);
-
  private:
-  std::unordered_map<OdDbObjectId, std::vector<StReference>> references_;
-  std::unordered_set<OdDbObjectId> skipped_;
-  std::unordered_map<OdDbObjectId, std::vector<OdDbObjectId>> handleHolders_;
+  OdDbDatabase* drawing_;
+  std::unordered_map<OdDbObjectId, std::vector<OdDbObjectId>> references_;
+  std::unordered_map<OdDbObjectId, std::vector<OdDbObjectId>> containers_;
   std::size_t count_ = 0;
 };
 

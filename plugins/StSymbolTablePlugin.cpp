@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "OdDbDictionary.h"
 #include "OdDbSymbolTable.h"
 #include "OdError.h"
 #include "OdResBuf.h"
@@ -492,30 +493,91 @@ void StSymbolTablePlugin::fixError(StError* error, StFix* fix) {
     if (error->tag() == kTagProperties)
       fixed = applyStandard(record, standard);
     else if (error->tag() == kTagNonStandardName)
-      fixed = replaceName(record, *fix);
-  } catch (const OdError&) {
+      fixed = replaceName(record, *fix, *error);
+  } catch (const OdError& e) {
     fixed = false;
+    explainUnfixed(*error, e.description());
   }
   if (fixed) error->setFlags(error->flags() | kStErrorFixed);
 }
 
-bool StSymbolTablePlugin::replaceName(const OdDbObjectId& record, StFix& fix) {
+void StSymbolTablePlugin::explainUnfixed(StError& error, const OdString& why) const {
+  error.setDescription(error.description() + L" It was not replaced: " + why);
+}
+
+namespace {
+
+// "the DICTIONARY 1F": what a user can find the object by.
+OdString describeObject(const OdDbObjectId& id) {
+  OdString type = L"object";
+  if (OdDbObjectPtr object = id.openObject(); !object.isNull()) type = object->dxfType();
+  return OdString::format(L"the %ls %ls", type.c_str(),
+                          OdString::fromUtf8(id.getHandle().ascii()).c_str());
+}
+
+}  // namespace
+
+bool StSymbolTablePlugin::replaceName(const OdDbObjectId& record, StFix& fix, StError& error) {
   const OdDbObjectId standardId = fix.objectId();
   OdDbSymbolTableRecordPtr standardRecord = standardId.safeOpenObject();
   const OdString name = standardRecord->getName();
   standardRecord = OdDbSymbolTableRecordPtr();
+  StReferenceIndex& references = index();
+  // Objects that have the record as their container can be neither moved nor left pointing
+  // at nothing, so the record stays as it is and nothing is changed; its own extension
+  // dictionary is the exception: that is the record's data and goes with it.
+  OdDbObjectId extension;
+  if (OdDbObjectPtr object = record.safeOpenObject(); !object.isNull())
+    extension = object->extensionDictionary();
+  for (const OdDbObjectId& holder : references.containedIn(record)) {
+    if (holder.isErased() || holder == extension) continue;
+    explainUnfixed(error, describeObject(holder) + L" belongs to it.");
+    return false;
+  }
   OdDbObjectId target = getRecord(tableOf(drawing_), name);
   if (target.isNull()) target = copyIn(drawing_, standardId.database(), name);
-  if (target.isNull()) return false;
+  if (target.isNull()) {
+    explainUnfixed(error, OdString::format(L"the %ls \"%ls\" could not be copied in.",
+                                           kind_.c_str(), name.c_str()));
+    return false;
+  }
   if (target == record) return true;
-  StReferenceIndex& references = index();
   references.moveAll(record, target);
   OdDbSymbolTableRecordPtr old = record.safeOpenObject(OdDb::kForWrite);
-  const bool named = moveHeaderVariables(old->getName(), name);
-  if (!named && !isReserved(old->getName()) && references.referencesTo(record).empty() &&
-      !references.isHeldByHandle(record))
-    old->erase();
+  if (moveHeaderVariables(old->getName(), name)) {
+    explainUnfixed(error, L"a header variable still names it.");
+    return false;
+  }
+  for (const OdDbObjectId& holder : references.referencesTo(record)) {
+    if (holder.isErased()) continue;
+    explainUnfixed(error, describeObject(holder) + L" still refers to it.");
+    return false;
+  }
+  if (isReserved(old->getName())) return false;
+  old->erase();
+  old = OdDbSymbolTableRecordPtr();
+  eraseOwned(extension);
   return true;
+}
+
+void StSymbolTablePlugin::eraseOwned(const OdDbObjectId& id) {
+  if (id.isNull() || id.isErased()) return;
+  OdDbObjectPtr object = id.safeOpenObject(OdDb::kForWrite);
+  OdDbObjectIdArray owned;
+  if (OdDbDictionaryPtr dictionary = OdDbDictionary::cast(object.get()); !dictionary.isNull())
+    for (auto it = dictionary->newIterator(); !it->done(); it->next())
+      owned.push_back(it->objectId());
+  owned.push_back(object->extensionDictionary());
+  object->erase();
+  object = OdDbObjectPtr();
+  for (const OdDbObjectId& entry : owned) {
+    OdDbObjectPtr part = entry.isNull() || entry.isErased() ? OdDbObjectPtr() : entry.openObject();
+    // An entry another object owns is only listed here, not part of this object.
+    if (!part.isNull() && part->ownerId() == id) {
+      part = OdDbObjectPtr();
+      eraseOwned(entry);
+    }
+  }
 }
 
 bool StSymbolTablePlugin::moveHeaderVariables(const OdString& from, const OdString& to) {
@@ -543,18 +605,13 @@ bool StSymbolTablePlugin::moveHeaderVariables(const OdString& from, const OdStri
 
 StReferenceIndex& StSymbolTablePlugin::index() {
   if (!index_) {
-    auto built = std::make_unique<StReferenceIndex>();
     // Reserved records are never replaced, so what refers to them (most entities are on
     // ByLayer linetypes, for one) need not be listed.
-    OdDbSymbolTablePtr records = tableOf(drawing_).safeOpenObject();
-    for (auto it = records->newIterator(); !it->done(); it->step())
-      if (isReserved(it->getRecord()->getName())) built->skipReferencesTo(it->getRecordId());
-    collectReferences(drawing_, *built);
-    OdDbObjectIdArray candidates;
-    for (auto it = records->newIterator(); !it->done(); it->step())
-      candidates.push_back(it->getRecordId());
-    built->addHandleReferences(drawing_, candidates);
-    index_ = std::move(built);
+    OdDbObjectIdArray records;
+    OdDbSymbolTablePtr table = tableOf(drawing_).safeOpenObject();
+    for (auto it = table->newIterator(); !it->done(); it->step())
+      if (!isReserved(it->getRecord()->getName())) records.push_back(it->getRecordId());
+    index_ = std::make_unique<StReferenceIndex>(drawing_, records);
   }
   return *index_;
 }

@@ -34,9 +34,12 @@ using StPropertyList = std::vector<std::pair<OdString, OdVariant>>;
 //    record's: first those equal to it ignoring case and separators (blanks, '-', '_', '.'),
 //    then by edit distance of the case-folded names, ties by standards-file order and then
 //    name. getFirstFixes makes only the first of them; fixing moves every reference to the chosen
-//    standard record (copied in when the drawing lacks it), header variables included, and erases
-//    the old record once nothing refers to it: not the header, not an entity or sub-entity, not an
-//    object that names it by handle (such a record is kept and the fix still succeeds).
+//    standard record (copied in when the drawing lacks it): every pointer to it and every
+//    name of it in entities, records, objects, extension dictionaries, extended data and
+//    header variables, and erases the old record with its extension dictionary. A record that
+//    is the container of any other object (an object it is a reactor of) is not replaced at all,
+//    and a record something still refers to after the move is kept: either way the error is
+//    left unfixed and its description says why.
 // Errors carry kStErrorIgnored when the record has an ignore mark and kStErrorFixable when
 // they have fixes (kStErrorAlwaysReported when they have none); a fix that succeeds sets
 // kStErrorFixed.
@@ -44,8 +47,8 @@ using StPropertyList = std::vector<std::pair<OdString, OdVariant>>;
 // Errors are found one at a time, as next() moves on, so that what earlier fixes changed is
 // seen. start() places the walk before the first error; next() moves to it.
 //
-// A derived plug-in names its table, reads and applies properties, copies records in and
-// lists the references to its records; everything else happens here.
+// A derived plug-in names its table, reads and applies properties and copies records in;
+// everything else, finding and moving the references to its records included, happens here.
 class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin>, public StRankedFixes {
  public:
   static constexpr std::uint64_t kTagProperties = 1;
@@ -99,8 +102,6 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin>, public StRa
   // The header variables that name a record of the kind ("$CLAYER"); a replacement moves
   // them and a record one of them names is never erased.
   virtual std::vector<const char*> headerVariables() const { return {}; }
-  // Lists in `index` everything in `drawing` that refers to a record of the kind.
-  virtual void collectReferences(OdDbDatabase* drawing, StReferenceIndex& index) const = 0;
 
   OdDbDatabase* drawing() const { return drawing_; }
 
@@ -163,7 +164,13 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin>, public StRa
   // The index of the preferred standards file in standards_, or -1.
   int preferredStandard() const;
   bool isStandard(OdDbDatabase* db) const;
-  bool replaceName(const OdDbObjectId& record, StFix& fix);
+  // Replaces `record` as the class comment tells; false (with the reason added to `error`'s
+  // description) when it is not replaced.
+  bool replaceName(const OdDbObjectId& record, StFix& fix, StError& error);
+  // Erases `id` with everything it owns: a dictionary's entries, extension dictionaries.
+  void eraseOwned(const OdDbObjectId& id);
+  // Adds to `error`'s description why the fix left the problem in place.
+  void explainUnfixed(StError& error, const OdString& why) const;
   // Points the header variables naming `from` at the name of `to`; true when one still
   // names `from` afterwards.
   bool moveHeaderVariables(const OdString& from, const OdString& to);

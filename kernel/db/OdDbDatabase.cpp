@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "DxfReader.h"
 #include "DxfWriter.h"
@@ -9,6 +10,8 @@
 #include "OdDbDatabaseImpl.h"
 #include "OdDbDatabaseReactor.h"
 #include "OdDbEmptyDrawing.h"
+#include "OdDbObject.h"
+#include "OdDbRecordLinks.h"
 #include "OdError.h"
 
 ODRX_DEFINE_RTTI_MEMBERS(OdDbDatabase, OdRxObject);
@@ -231,83 +234,140 @@ void OdDbDatabase::setHeaderVariable(const OdString& name, const OdResBuf* value
 
 namespace {
 
-bool isPointerCode(int code) {
-  return (code >= 330 && code <= 369) || (code >= 390 && code <= 399) || code == 480 ||
-         code == 481 || code == 1005;
+using Table = OdDbDatabaseImpl::TableKind;
+
+// The record a link of `obj` points at, or null; `names` caches name lookups by raw value.
+OdDbStub* linkTarget(OdDbDatabaseImpl& impl, const DxfObject& obj,
+                     const OdDbRecordLinks::Link& link,
+                     std::unordered_map<std::string, OdDbStub*>& names) {
+  if (link.kind != OdDbRecordLinks::kName) {
+    OdDbHandle h;
+    if (!OdDbHandle::parse(obj.rawValue(link.tag), h) || h.value() == 0) return nullptr;
+    return impl.stubByHandle(h.value());
+  }
+  std::string key(1, static_cast<char>('0' + link.table));
+  key += obj.rawValue(link.tag);
+  auto [it, added] = names.try_emplace(std::move(key), nullptr);
+  if (added && impl.table(link.table))
+    it->second = impl.findRecord(impl.table(link.table), obj.text(link.tag));
+  return it->second;
 }
 
-// Calls `found` with each handle `obj` points to: its pointer groups and the handles of its
-// extended data. Its own owner link (the first 330 of its common tags) and the back links of
-// its 102 groups (reactors, extension dictionary) are not references to what they name.
-template <class F>
-void forEachPointer(const DxfObject& obj, F found) {
-  bool ownerSeen = false;
-  int markers = 0;
-  const std::size_t n = obj.size();
-  for (std::size_t i = 1; i < n; ++i) {
-    const int code = obj.code(i);
-    if (code == 102) {
-      std::string_view v = obj.rawValue(i);
-      if (v.find('{') != std::string_view::npos) {
-        while (i + 1 < n && obj.code(i + 1) != 102) ++i;
-        ++i;
-      }
-      continue;
-    }
-    if (code == 100) ++markers;
-    if (!isPointerCode(code)) continue;
-    if (code == 330 && !ownerSeen && markers < 2) {
-      ownerSeen = true;
-      continue;
-    }
-    OdDbHandle h;
-    if (OdDbHandle::parse(obj.rawValue(i), h) && h.value() != 0) found(h.value());
+OdDbDatabase::RecordLink linkOf(OdDbRecordLinks::Kind kind) {
+  switch (kind) {
+    case OdDbRecordLinks::kPointer:
+      return OdDbDatabase::RecordLink::kPointer;
+    case OdDbRecordLinks::kName:
+      return OdDbDatabase::RecordLink::kName;
+    case OdDbRecordLinks::kContainer:
+      break;
   }
+  return OdDbDatabase::RecordLink::kContainer;
+}
+
+// The table `stub` is a record of, or kTableKinds.
+Table tableOfRecord(const OdDbDatabaseImpl& impl, const OdDbStub* stub) {
+  for (int kind = 0; kind < OdDbDatabaseImpl::kTableKinds; ++kind)
+    if (impl.isRecordOf(stub, static_cast<Table>(kind))) return static_cast<Table>(kind);
+  return OdDbDatabaseImpl::kTableKinds;
 }
 
 }  // namespace
 
-std::vector<std::pair<OdDbObjectId, OdDbObjectId>> OdDbDatabase::handleReferences(
-    const OdDbObjectIdArray& targets) const {
-  std::vector<std::pair<OdDbObjectId, OdDbObjectId>> result;
-  std::unordered_map<std::uint64_t, OdDbStub*> wanted;
-  for (const OdDbObjectId& id : targets)
-    if (!id.isNull() && id.database() == this) wanted.emplace(id.stub()->handle.value(), id.stub());
+std::vector<OdDbDatabase::RecordReference> OdDbDatabase::recordReferences(
+    const OdDbObjectIdArray& records) const {
+  std::vector<RecordReference> result;
+  std::unordered_set<const OdDbStub*> wanted;
+  for (const OdDbObjectId& id : records)
+    if (!id.isNull() && id.database() == this &&
+        tableOfRecord(*impl_, id.stub()) != OdDbDatabaseImpl::kTableKinds)
+      wanted.insert(id.stub());
   if (wanted.empty()) return result;
   const DxfDocument& doc = impl_->doc();
+  std::unordered_map<std::string, OdDbStub*> names;
+  std::vector<OdDbRecordLinks::Link> links;
   for (std::size_t s = 0; s < doc.sectionCount(); ++s) {
+    const OdDbRecordLinks::Place place = OdDbRecordLinks::placeOf(doc.section(s).name());
+    if (place == OdDbRecordLinks::kOther) continue;
     const auto& slots = impl_->slots(s);
     for (std::size_t i = 0; i < slots.size(); ++i) {
       OdDbStub* holder = slots[i];
       if (!holder || holder->isErased()) continue;
       const DxfObject& obj = doc.section(s).object(i);
-      // A table's head lists its records: ownership, not use.
-      if (obj.type() == "TABLE") continue;
-      forEachPointer(obj, [&](std::uint64_t handle) {
-        auto it = wanted.find(handle);
-        if (it == wanted.end() || it->second == holder) return;
-        std::pair<OdDbObjectId, OdDbObjectId> entry{OdDbObjectId(it->second), OdDbObjectId(holder)};
-        if (result.empty() || result.back() != entry) result.push_back(entry);
-      });
+      links.clear();
+      OdDbRecordLinks::scan(obj, place, links);
+      for (const OdDbRecordLinks::Link& link : links) {
+        OdDbStub* target = linkTarget(*impl_, obj, link, names);
+        if (!target || target == holder || !wanted.count(target)) continue;
+        RecordReference entry{OdDbObjectId(target), OdDbObjectId(holder), linkOf(link.kind)};
+        const bool repeated = !result.empty() && result.back().record == entry.record &&
+                              result.back().holder == entry.holder &&
+                              result.back().link == entry.link;
+        if (!repeated) result.push_back(entry);
+      }
     }
   }
   return result;
 }
 
-bool OdDbDatabase::isReferencedByHandle(const OdDbObjectId& target) const {
-  OdDbObjectIdArray targets;
-  targets.push_back(target);
-  return !handleReferences(targets).empty();
-}
-
-bool OdDbDatabase::refersByHandle(const OdDbObjectId& holder, const OdDbObjectId& target) const {
-  if (holder.isNull() || target.isNull() || holder == target || holder.database() != this ||
-      target.database() != this || holder.isErased())
-    return false;
-  const DxfObject& obj = impl_->dxf(holder.stub());
-  if (obj.type() == "TABLE") return false;
-  const std::uint64_t wanted = target.stub()->handle.value();
-  bool refers = false;
-  forEachPointer(obj, [&](std::uint64_t handle) { refers = refers || handle == wanted; });
-  return refers;
+std::size_t OdDbDatabase::retargetRecordReferences(const std::vector<OdDbObjectId>& holders,
+                                                   const OdDbObjectId& from, const OdDbObjectId& to,
+                                                   std::size_t& done) {
+  done = 0;
+  if (from.isNull() || to.isNull() || from.database() != this || to.database() != this)
+    throw OdError(eInvalidInput, "a reference is moved between records of one drawing");
+  const Table table = tableOfRecord(*impl_, from.stub());
+  if (table == OdDbDatabaseImpl::kTableKinds || !impl_->isRecordOf(to.stub(), table))
+    throw OdError(eInvalidInput, "the objects " + from.getHandle().ascii() + " and " +
+                                     to.getHandle().ascii() + " are not records of one table");
+  // Names are compared with the record's own rather than looked up: a lookup after each
+  // erased record would index the table anew, for every holder of every replacement.
+  const OdString fromName = impl_->recordName(from.stub());
+  // Most names are written as the record writes its own: equal bytes need no decoding.
+  std::string_view fromRaw;
+  {
+    const DxfObject& record = impl_->dxf(from.stub());
+    if (std::size_t at = record.find(2); at != DxfObject::npos) fromRaw = record.rawValue(at);
+  }
+  const std::uint64_t fromHandle = from.stub()->handle.value();
+  const OdString handle = OdString::fromUtf8(to.getHandle().ascii());
+  const OdString name = impl_->recordName(to.stub());
+  std::size_t changed = 0;
+  std::vector<OdDbRecordLinks::Link> links;
+  std::vector<std::pair<std::size_t, bool>> moving;  // tag, and whether it is a name
+  for (const OdDbObjectId& holder : holders) {
+    const OdDbStub* stub = holder.stub();
+    if (from != to && !holder.isNull() && holder.database() == this && !holder.isErased() &&
+        stub->section != OdDbStub::kNoSection && !(stub->flags & OdDbStub::kDetached)) {
+      DxfObject& obj = impl_->dxf(stub);
+      links.clear();
+      OdDbRecordLinks::scan(
+          obj, OdDbRecordLinks::placeOf(impl_->doc().section(stub->section).name()), links);
+      moving.clear();
+      for (const OdDbRecordLinks::Link& link : links) {
+        bool refers = false;
+        if (link.kind == OdDbRecordLinks::kPointer) {
+          OdDbHandle h;
+          refers = OdDbHandle::parse(obj.rawValue(link.tag), h) && h.value() == fromHandle;
+        } else if (link.kind == OdDbRecordLinks::kName && link.table == table) {
+          refers = !fromRaw.empty() && obj.rawValue(link.tag) == fromRaw;
+          if (!refers) {
+            OdString value = obj.text(link.tag);
+            value.trimRight();
+            refers = value.iCompare(fromName) == 0;
+          }
+        }
+        if (refers) moving.emplace_back(link.tag, link.kind == OdDbRecordLinks::kName);
+      }
+      if (!moving.empty()) {
+        OdDbObjectPtr object = holder.safeOpenObject(OdDb::kForWrite);
+        object->assertWriteEnabled();
+        DxfObject& tags = object->dxf();
+        for (const auto& [tag, isName] : moving) tags.setText(tag, isName ? name : handle);
+        changed += moving.size();
+      }
+    }
+    ++done;
+  }
+  return changed;
 }

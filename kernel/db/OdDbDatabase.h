@@ -73,17 +73,30 @@ class OdDbDatabase : public OdRxObject {
   // drawing cannot store under its group code.
   void setHeaderVariable(const OdString& name, const OdResBuf* values);
 
-  // Whether an object of the drawing other than `target` itself and the head of its symbol
-  // table refers to it by handle: through a pointer group (330-369, 390-399, 480-481) or
-  // extended data (1005). An object's link to its own owner does not count, nor do erased
-  // objects. Reads every object's tags: linear in the size of the drawing.
-  bool isReferencedByHandle(const OdDbObjectId& target) const;
-  // The same for many targets in one walk: every (target, holder) pair, holders in file
-  // order. Targets of another drawing and null ids are left out.
-  std::vector<std::pair<OdDbObjectId, OdDbObjectId>> handleReferences(
-      const OdDbObjectIdArray& targets) const;
-  // Whether `holder` refers to `target` by handle, by the same rules; reads one object.
-  bool refersByHandle(const OdDbObjectId& holder, const OdDbObjectId& target) const;
+  // How an object refers to a symbol table record (see OdDbRecordLinks for the tags): by a
+  // pointer group or extended-data handle, by its name as text, or as the container the object
+  // belongs to (its owner link, a reactor), a link a record replacement cannot move.
+  enum class RecordLink { kPointer, kName, kContainer };
+  struct RecordReference {
+    OdDbObjectId record;
+    OdDbObjectId holder;
+    RecordLink link;
+  };
+  // Every live object that refers to one of `records` (records of this drawing's symbol
+  // tables; others and null ids are left out), in one walk over the whole drawing: one entry
+  // per (record, holder, link), holders in file order. An object does not refer to itself; the
+  // header is not read (its variables name records by name: see getHeaderVariable).
+  std::vector<RecordReference> recordReferences(const OdDbObjectIdArray& records) const;
+  // Points every pointer and name in each of `holders` that refers to the record `from` at the
+  // record `to` of the same table, in place, leaving container links and everything else as
+  // they are; returns how many tags changed. `done` counts the holders dealt with so far (an
+  // erased one or one not referring counts too), so that after an exception it tells where
+  // the work stopped. Opens each changed holder for write (reactors hear of the change).
+  // Throws OdError: eInvalidInput when `from` and `to` are not records of one table of this
+  // drawing, or what opening a holder for write throws.
+  std::size_t retargetRecordReferences(const std::vector<OdDbObjectId>& holders,
+                                       const OdDbObjectId& from, const OdDbObjectId& to,
+                                       std::size_t& done);
 
   // Well-known objects; null ids when the drawing lacks them (a release-12 file has no
   // named-object dictionary).

@@ -284,12 +284,45 @@ OdDbStub* OdDbDatabaseImpl::findRecord(const OdDbStub* table, const OdString& na
   NameIndex& index = names_[table];
   if (index.generation != namesGeneration_) {
     index.byName.clear();
+    index.duplicates = false;
     for (OdDbStub* rec : tableRecords(table))
-      if (!rec->isErased()) index.byName.try_emplace(upperKey(recordName(rec)), rec);
+      if (!rec->isErased() && !index.byName.try_emplace(upperKey(recordName(rec)), rec).second)
+        index.duplicates = true;
     index.generation = namesGeneration_;
   }
   auto it = index.byName.find(upperKey(name));
   return it == index.byName.end() ? nullptr : it->second;
+}
+
+OdDbDatabaseImpl::NameIndex* OdDbDatabaseImpl::currentIndexOf(const OdDbStub* stub) {
+  for (int kind = 0; kind < kTableKinds; ++kind) {
+    if (kind == kBlockRecord || !isRecordOf(stub, static_cast<TableKind>(kind))) continue;
+    auto it = names_.find(tables_[kind]);
+    return it != names_.end() && it->second.generation == namesGeneration_ ? &it->second : nullptr;
+  }
+  return nullptr;
+}
+
+void OdDbDatabaseImpl::recordAdded(OdDbStub* stub) {
+  NameIndex* index = stub->isErased() ? nullptr : currentIndexOf(stub);
+  if (!index) {
+    invalidateNames();
+    return;
+  }
+  auto [it, added] = index->byName.try_emplace(upperKey(recordName(stub)), stub);
+  if (!added && it->second != stub) index->duplicates = true;
+}
+
+void OdDbDatabaseImpl::recordErased(OdDbStub* stub) {
+  NameIndex* index = currentIndexOf(stub);
+  if (!index || index->duplicates) {
+    // Not a record of an indexed table (an entity, say: erasing it renames nothing, but an
+    // old file's block records are entities) or another record may take over the name.
+    invalidateNames();
+    return;
+  }
+  auto it = index->byName.find(upperKey(recordName(stub)));
+  if (it != index->byName.end() && it->second == stub) index->byName.erase(it);
 }
 
 OdDbStub* OdDbDatabaseImpl::findBlockRecord(std::wstring_view upperName) {
@@ -430,7 +463,7 @@ OdDbStub* OdDbDatabaseImpl::insertObject(std::size_t section, std::size_t index,
       newStub(newHandle(), static_cast<std::uint32_t>(section), static_cast<std::uint32_t>(index));
   byHandle_.add(stubs_.size() - 1);
   slots_.at(section).insert(index, stub);
-  if (section == tablesSection_) invalidateNames();
+  if (section == tablesSection_) recordAdded(stub);
   return stub;
 }
 

@@ -91,6 +91,11 @@ class OdDbDatabaseImpl {
   // The record's name (group 2) without opening it.
   OdString recordName(const OdDbStub* record) const;
   void invalidateNames() noexcept { ++namesGeneration_; }
+  // Keeps the name index of the record's table up to date when a record joins it or is erased
+  // (a fix that replaces thousands of records looks names up between the changes); anything
+  // else, or a table with two records of one name, falls back to invalidateNames.
+  void recordAdded(OdDbStub* stub);
+  void recordErased(OdDbStub* stub);
   // The record of table `kind` called `name`, or a null id.
   OdDbObjectId recordByName(TableKind kind, const OdString& name) {
     return OdDbObjectId(findRecord(tables_[kind], name));
@@ -170,7 +175,10 @@ class OdDbDatabaseImpl {
   struct NameIndex {
     std::uint64_t generation = 0;
     std::unordered_map<std::wstring, OdDbStub*> byName;
+    bool duplicates = false;  // some name is held by more than one record
   };
+  // The current name index of the table `stub` is a record of, or null.
+  NameIndex* currentIndexOf(const OdDbStub* stub);
   std::unordered_map<const OdDbStub*, NameIndex> names_;
   std::uint64_t namesGeneration_ = 1;
 };

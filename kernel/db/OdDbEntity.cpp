@@ -9,6 +9,17 @@ ODDB_DEFINE_MEMBERS(OdDbEntity, OdDbObject, "AcDbEntity", "");
 
 namespace {
 const char* const kEntity = "AcDbEntity";
+
+// The first tag of `code` anywhere before the extended data, application groups skipped, or
+// npos. Writers do not all keep the common codes (8 layer, 6 linetype) in the entity's common
+// subclass; where they stand, they still say the entity's layer and linetype.
+std::size_t commonTag(const DxfObject& obj, int code) {
+  for (std::size_t i = 1; i < obj.size(); i = odDbSkipGroup(obj, i)) {
+    if (obj.code(i) == 1001) break;
+    if (obj.code(i) == code) return i;
+  }
+  return DxfObject::npos;
+}
 }  // namespace
 
 void OdDbEntity::initNewObject() {
@@ -16,7 +27,10 @@ void OdDbEntity::initNewObject() {
 }
 
 OdString OdDbEntity::referenceName(const char* subclass, int code, const wchar_t* dflt) const {
-  return OdDbTagRange(dxf(), subclass).text(code, OdString(dflt));
+  OdDbTagRange range(dxf(), subclass);
+  if (std::string_view(subclass) == kEntity && !range.has(code))
+    if (std::size_t at = commonTag(dxf(), code); at != DxfObject::npos) return dxf().text(at);
+  return range.text(code, OdString(dflt));
 }
 
 OdDbObjectId OdDbEntity::referenceId(const char* subclass, int code, int kind,
@@ -32,7 +46,13 @@ void OdDbEntity::setReference(const char* subclass, int code, int kind, const Od
   OdString name =
       database()->impl().checkedRecordName(id, static_cast<OdDbDatabaseImpl::TableKind>(kind));
   assertWriteEnabled();
-  OdDbTagRange(dxf(), subclass).setText(code, name, after);
+  OdDbTagRange range(dxf(), subclass);
+  if (std::string_view(subclass) == kEntity && !range.has(code))
+    if (std::size_t at = commonTag(dxf(), code); at != DxfObject::npos) {
+      dxf().setText(at, name);
+      return;
+    }
+  range.setText(code, name, after);
 }
 
 OdDbObjectIdArray OdDbEntity::subEntityIds() const {

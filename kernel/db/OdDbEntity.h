@@ -44,7 +44,9 @@ class OdDbEntity : public OdDbObject {
   void initNewObject() override;
 
   // A reference by name: the record of table `kind` named by the first tag `code` in
-  // `subclass` (or `dflt` when there is none).
+  // `subclass` (or `dflt` when there is none). For the common subclass the tag counts wherever
+  // it stands before the extended data, since writers do not all keep it there; a setter
+  // rewrites it where it stands.
   OdString referenceName(const char* subclass, int code, const wchar_t* dflt) const;
   OdDbObjectId referenceId(const char* subclass, int code, int kind, const wchar_t* dflt) const;
   void setReference(const char* subclass, int code, int kind, const OdDbObjectId& id,

@@ -213,7 +213,10 @@ OdResult OdDbObject::erase(bool erasing) {
     for (OdDbStub* follower : impl.followers(stub_))
       follower->flags &= static_cast<std::uint8_t>(~OdDbStub::kErased);
   }
-  impl.invalidateNames();
+  if (erasing)
+    impl.recordErased(stub_);
+  else
+    impl.invalidateNames();
   impl.fireErased(this, erasing);
   return eOk;
 }

@@ -63,7 +63,7 @@ OdDbObjectId OdDbSymbolTable::add(OdDbSymbolTableRecord* record) {
     ++at;
   }
   OdDbObjectId id = record->makeResident(s->database(), s->section, at, objectId());
-  impl.invalidateNames();
+  impl.recordAdded(id.stub());
   return id;
 }
 

@@ -167,6 +167,45 @@ TEST(StcheckCheck, FixWritesTheDrawingKeepsTheOriginalAndASecondCheckPasses) {
   EXPECT_EQ(oracle.output, "7 13 0.8\n") << oracle.output;
 }
 
+// A layer that must stay (an object has it as its container): --fix leaves the drawing as it
+// was and reports the problem unfixed, saying why, in every format.
+TEST(StcheckCheck, AFixThatCannotReplaceARecordIsReportedUnfixedWithTheReason) {
+  Project project;
+  fs::path plan = project.file("kept.dxf");
+  {
+    OdDbDatabasePtr db = OdDbDatabase::readFile(project.file("office-standards.dws"));
+    OdDbLayerTablePtr layers = db->getLayerTableId().safeOpenObject(OdDb::kForWrite);
+    OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
+    layer->setName(L"a_wall");
+    const std::string handle = layers->add(layer.get()).getHandle().ascii();
+    const std::string root = db->getNamedObjectsDictionaryId().getHandle().ascii();
+    layer.release();
+    layers.release();
+    std::string text = db->writeBuffer(false);
+    const size_t end = text.find("\nENDSEC", text.find("OBJECTS"));
+    text.insert(text.rfind('\n', end - 1) + 1, "0\nXRECORD\n5\nFFF0\n102\n{ACAD_REACTORS\n330\n" +
+                                                   handle + "\n102\n}\n330\n" + root +
+                                                   "\n100\nAcDbXrecord\n280\n1\n");
+    std::ofstream(plan, std::ios::binary) << text;
+  }
+  const std::string original = readBytes(plan);
+  for (const char* format : {"text", "json", "html", "junit", "sarif"}) {
+    auto run = project.stcheck(
+        {"check", "kept.dxf", "--standard", "office-standards.dws", "--fix", "--format", format});
+    EXPECT_EQ(run.exitCode, 1) << run.output;
+    EXPECT_NE(run.output.find("It was not replaced: the XRECORD FFF0 belongs to it."),
+              std::string::npos)
+        << format << ": " << run.output;
+  }
+  EXPECT_EQ(readBytes(plan), original);
+  EXPECT_FALSE(fs::exists(project.file("kept.bak")));
+  auto run = project.stcheck({"check", "kept.dxf", "--standard", "office-standards.dws", "--fix",
+                              "--format", "json", "-o", "kept.json"});
+  EXPECT_EQ(Project::python(kSummarise, {project.file("kept.json").string()}).output,
+            "drawing kept.dxf 1 1 False\n"
+            "Layer a_wall - - A-WALL@office-standards.dws\n");
+}
+
 // A layer no standard has, against a standard of 31 layers: the reports list the 20 closest
 // names, the recommended one first, and count the rest.
 TEST(StcheckCheck, ACrowdedStandardListsTheClosestFixesAndCountsTheRest) {

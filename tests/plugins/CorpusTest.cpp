@@ -6,6 +6,7 @@
 // releases, a changed colour is still found, and its fix writes nothing R12 cannot hold.
 
 #include <fstream>
+#include <sstream>
 
 #include "PluginsTestSupport.h"
 #include "StErrorFlags.h"
@@ -106,6 +107,66 @@ TEST(PluginsOnTheCorpus, VariablesLeftOutCompareAsTheirDefaults) {
       allErrors(drawing.get(), {standard.get()}),
       (std::vector<std::string>{"3USMM_PKG: The layer \"3USMM_PKG\" has a non-standard name",
                                 "FOOT_PRINT: The layer \"FOOT_PRINT\" has a non-standard name"}));
+}
+
+// How many entities of a saved ASCII drawing name `layer` by group 8, wherever it stands.
+int entitiesOn(const std::filesystem::path& file, const std::string& layer) {
+  std::istringstream lines(testsupport::readBytes(file));
+  std::string code, value;
+  int count = 0;
+  while (std::getline(lines, code) && std::getline(lines, value)) {
+    if (!value.empty() && value.back() == '\r') value.pop_back();
+    count += code.find_first_not_of(' ') != std::string::npos &&
+             code.substr(code.find_first_not_of(' ')) == "8" && value == layer;
+  }
+  return count;
+}
+
+// Writers that put an entity's layer outside its common subclass (or name it where the common
+// subclass has no marker): replacing the layer by a standard one of a near name moves every
+// entity, and the old layer goes only then.
+TEST(PluginsOnTheCorpus, AReplacedLayerTakesEveryEntityWhereverItsWriterPutTheLayer) {
+  const auto corpus = testsupport::corpusDir();
+  if (corpus.empty()) GTEST_SKIP() << "the shared corpus is absent: " << STAUDIT_CORPUS_DIR;
+  testsupport::TempDir dir;
+  const std::pair<const char*, std::string> cases[] = {
+      {"r2000_godxf_supported_entities.dxf", "boxes"},
+      {"r2000_qcad_din6771_a3_Uescape_layers.dxf", "RAHMEN_DOPPELT"}};
+  for (const auto& [name, layer] : cases) {
+    // The standard is the drawing with the layer named as the standard would name it.
+    std::string text = testsupport::readBytes(corpus / name);
+    const std::string standardName = layer.substr(0, 3) + "-" + layer.substr(3);
+    for (size_t at = 0; (at = text.find("\n" + layer + "\n", at)) != std::string::npos;)
+      text.replace(at + 1, layer.size(), standardName);
+    const auto standardFile = dir.path() / (std::string(name) + ".dws");
+    std::ofstream(standardFile, std::ios::binary) << text;
+    OdDbDatabasePtr standard = OdDbDatabase::readFile(standardFile);
+    OdDbDatabasePtr drawing = OdDbDatabase::readFile(corpus / name);
+    const int before = entitiesOn(corpus / name, layer);
+    EXPECT_GT(before, 30) << name;
+
+    st::StDWSPluginPtr plugin = plugintest::createPlugin(L"StDWSLayerPlugin");
+    for (const plugintest::Reported& r :
+         plugintest::check(*plugin, drawing.get(), {standard.get()})) {
+      st::StFixPtr fix = plugin->getRecommendedFix(r.error.get());
+      ASSERT_FALSE(fix.isNull()) << r.record;
+      plugin->fixError(r.error.get(), fix.get());
+      EXPECT_TRUE(r.error->flags() & st::kStErrorFixed) << r.record;
+    }
+    const auto fixed = dir.path() / name;
+    OdDbDatabasePtr reread = plugintest::saveAndReload(*drawing, fixed);
+    EXPECT_EQ(entitiesOn(fixed, layer), 0) << name;
+    EXPECT_EQ(entitiesOn(fixed, standardName), before) << name;
+    EXPECT_TRUE(plugintest::check(*plugin, reread.get(), {standard.get()}).empty()) << name;
+  }
+  // ezdxf finds every entity of the first drawing on a layer the file holds.
+  auto result = plugintest::ezdxf(
+      "doc = ezdxf.readfile(path)\n"
+      "names = {l.dxf.name.lower() for l in doc.layers}\n"
+      "print([e.dxf.handle for e in doc.entitydb.values()\n"
+      "       if e.dxf.hasattr('layer') and e.dxf.layer.lower() not in names])\n",
+      dir.path() / cases[0].first);
+  EXPECT_EQ(result.output, "[]\n");
 }
 
 // A drawing written by ezdxf as `version` with a few layers (one with a linetype of a

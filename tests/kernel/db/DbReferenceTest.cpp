@@ -1,12 +1,14 @@
 // What a fix needs of the kernel to move every reference to a record: header variables read
-// and written by name, the sub-entities of inserts and polylines, references by handle, and
-// reference setters that tell a record of their table from anything else.
+// and written by name, the sub-entities of inserts and polylines, references to records by
+// handle and by name found in one walk and moved in place, and reference setters that tell a record
+// of their table from anything else.
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <map>
 #include <sstream>
+#include <tuple>
 
 #include "DbTestSupport.h"
 #include "OdDbBlockTable.h"
@@ -130,33 +132,68 @@ TEST(DbReference, InsertsAndPolylinesListTheirSubEntities) {
   EXPECT_EQ(others, v + s) << "vertices and one SEQEND each";
 }
 
-TEST(DbReference, ReferencesByHandleLeaveOutOwnersAndTheTableHead) {
+TEST(DbReference, RecordReferencesTellPointersNamesAndContainersAndRetargetInPlace) {
   OdDbDatabasePtr db = OdDbDatabase::createEmpty();
   OdDbTextStyleTablePtr styles = db->getTextStyleTableId().safeOpenObject(OdDb::kForWrite);
   const OdDbObjectId standard = styles->getAt(L"Standard");
   OdDbTextStyleTableRecordPtr notes = OdDbTextStyleTableRecord::createObject();
   notes->setName(L"Notes");
   const OdDbObjectId notesId = styles->add(notes.get());
+  notes->createExtensionDictionary();
+  const OdDbObjectId extension = notes->extensionDictionary();
   notes.release();
   styles.release();
   OdDbDimStyleTablePtr dimStyles = db->getDimStyleTableId().safeOpenObject();
   const OdDbObjectId dimStandard = dimStyles->getAt(L"Standard");
   dimStyles.release();
+  OdDbLayerTablePtr layers = db->getLayerTableId().safeOpenObject(OdDb::kForWrite);
+  OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
+  layer->setName(L"Walls");
+  const OdDbObjectId walls = layers->add(layer.get());
+  layer.release();
+  layers.release();
+  OdDbBlockTableRecordPtr space = db->getModelSpaceId().safeOpenObject(OdDb::kForWrite);
+  OdDbEntityPtr point = OdDbEntity::createObject();
+  space->appendOdDbEntity(point.get());
+  point->setLayer(walls);
+  point.release();
+  space.release();
 
-  EXPECT_TRUE(db->isReferencedByHandle(standard)) << "the dimension style's text style";
-  EXPECT_TRUE(db->refersByHandle(dimStandard, standard));
-  EXPECT_FALSE(db->isReferencedByHandle(notesId)) << "its owner link is no reference";
-  EXPECT_FALSE(db->isReferencedByHandle(db->getLayerZeroId()));
-  EXPECT_FALSE(db->isReferencedByHandle(dimStandard)) << "the table head lists it: ownership";
+  using Link = OdDbDatabase::RecordLink;
+  auto found = [&](const OdDbObjectIdArray& records) {
+    std::vector<std::tuple<OdDbObjectId, OdDbObjectId, Link>> out;
+    for (const auto& r : db->recordReferences(records))
+      out.emplace_back(r.record, r.holder, r.link);
+    return out;
+  };
+  // The dimension style points at Standard; Notes is only the container of its dictionary;
+  // the point names Walls; a table head's list of its records is no reference; null ids and
+  // objects that are no records are left out.
+  const auto pointId = db->recordReferences({walls}).at(0).holder;
+  EXPECT_EQ(found({standard, notesId, walls, OdDbObjectId(), extension}),
+            (std::vector<std::tuple<OdDbObjectId, OdDbObjectId, Link>>{
+                {standard, dimStandard, Link::kPointer},
+                {walls, pointId, Link::kName},
+                {notesId, extension, Link::kContainer}}));
 
-  OdDbDimStyleTableRecordPtr dim = dimStandard.safeOpenObject(OdDb::kForWrite);
-  dim->setDimtxsty(notesId);
+  std::size_t done = 0;
+  EXPECT_EQ(db->retargetRecordReferences({dimStandard}, standard, notesId, done), 1u);
+  EXPECT_EQ(db->retargetRecordReferences({extension}, notesId, standard, done), 0u)
+      << "a container link is not moved";
+  EXPECT_EQ(db->retargetRecordReferences({pointId, dimStandard}, walls, db->getLayerZeroId(), done),
+            1u);
+  EXPECT_EQ(done, 2u);
+  OdDbDimStyleTableRecordPtr dim = dimStandard.safeOpenObject();
+  EXPECT_EQ(dim->dimtxsty(), notesId);
   dim.release();
-  auto pairs = db->handleReferences({standard, notesId, OdDbObjectId()});
-  ASSERT_EQ(pairs.size(), 1u);
-  EXPECT_EQ(pairs[0].first, notesId);
-  EXPECT_EQ(pairs[0].second, dimStandard);
-  EXPECT_FALSE(db->refersByHandle(dimStandard, standard));
+  OdDbEntityPtr moved = pointId.safeOpenObject();
+  EXPECT_EQ(moved->layer(), L"0");
+  moved.release();
+  EXPECT_EQ(found({standard, walls}),
+            (std::vector<std::tuple<OdDbObjectId, OdDbObjectId, Link>>{}));
+  EXPECT_EQ(errorOf([&] { db->retargetRecordReferences({dimStandard}, notesId, walls, done); }),
+            eInvalidInput)
+      << "a text style is not replaced by a layer";
 }
 
 TEST(DbReference, SettersTellARecordOfTheirTableFromAnythingElse) {
