@@ -56,4 +56,11 @@ void StReferenceIndex::moveAll(const OdDbObjectId& from, const OdDbObjectId& to)
     if (!holder.isErased()) target.push_back(holder);
 }
 
+void StReferenceIndex::renameAll(const OdDbObjectId& record, const OdString& oldName) {
+  auto it = references_.find(record);
+  if (it == references_.end()) return;
+  std::size_t done = 0;
+  drawing_->renameRecordReferences(it->second, record, oldName, done);
+}
+
 }  // namespace st

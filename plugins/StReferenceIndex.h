@@ -32,6 +32,9 @@ class StReferenceIndex {
   // object at a time, and moves them in the index. Throws the kernel's OdError when an object
   // cannot be changed; the index then still lists under `from` what was not moved.
   void moveAll(const OdDbObjectId& from, const OdDbObjectId& to);
+  // After `record` was renamed from `oldName`: points every name of it by `oldName` at its new
+  // name; pointers stay. Throws as moveAll.
+  void renameAll(const OdDbObjectId& record, const OdString& oldName);
   // The number of (record, referrer) pairs found by the walk.
   std::size_t size() const { return count_; }
 

@@ -67,6 +67,18 @@ const wchar_t* const kNameProperty = L"Name";
 
 }  // namespace
 
+namespace {
+
+// "the DICTIONARY 1F": what a user can find the object by.
+OdString describeObject(const OdDbObjectId& id) {
+  OdString type = L"object";
+  if (OdDbObjectPtr object = id.openObject(); !object.isNull()) type = object->dxfType();
+  return OdString::format(L"the %ls %ls", type.c_str(),
+                          OdString::fromUtf8(id.getHandle().ascii()).c_str());
+}
+
+}  // namespace
+
 StSymbolTablePlugin::StSymbolTablePlugin(const OdString& displayName, const OdString& purpose,
                                          const OdString& kind, const OdString& caption,
                                          const OdString& className)
@@ -86,6 +98,18 @@ void StSymbolTablePlugin::setupForAudit(OdDbDatabase* drawing, const OdString& d
                                         const OdArray<OdDbDatabase*>& standardsDatabases) {
   clear();
   drawing_ = drawing;
+  firstNewHandle_ = 0;
+  if (drawing_) {
+    // The kernel gives new objects handles from here on.
+    OdResBufPtr seed = drawing_->getHeaderVariable(L"$HANDSEED");
+    OdDbHandle handle;
+    try {
+      if (!seed.isNull() && OdDbHandle::parse(seed->getString().toUtf8(), handle))
+        firstNewHandle_ = handle.value();
+    } catch (const OdError&) {
+      firstNewHandle_ = 0;  // not a text: no record counts as new
+    }
+  }
   standards_.clear();
   for (unsigned i = 0; i < standardsDatabases.size(); ++i) {
     if (!standardsDatabases[i] || standardsDatabases[i] == drawing) continue;
@@ -278,6 +302,15 @@ void StSymbolTablePlugin::findNameError(OdDbSymbolTableRecord& record,
     finding.recommendedSource = exact;
   else if (close && !ambiguous)
     finding.recommendedSource = close;
+  // A replacement the fix could not carry out is not recommended: the problem is then shown
+  // (and reported by a silent check) with the reason, instead of failing when fixed.
+  OdString why;
+  if (finding.recommendedSource &&
+      !canReplace(record.objectId(), finding.recommendedSource->name, why)) {
+    finding.recommendedSource.reset();
+    finding.error->setDescription(finding.error->description() +
+                                  L" It cannot be replaced automatically: " + why);
+  }
 }
 
 StErrorPtr StSymbolTablePlugin::newError(OdDbSymbolTableRecord& record, std::uint64_t tag,
@@ -505,43 +538,33 @@ void StSymbolTablePlugin::explainUnfixed(StError& error, const OdString& why) co
   error.setDescription(error.description() + L" It was not replaced: " + why);
 }
 
-namespace {
-
-// "the DICTIONARY 1F": what a user can find the object by.
-OdString describeObject(const OdDbObjectId& id) {
-  OdString type = L"object";
-  if (OdDbObjectPtr object = id.openObject(); !object.isNull()) type = object->dxfType();
-  return OdString::format(L"the %ls %ls", type.c_str(),
-                          OdString::fromUtf8(id.getHandle().ascii()).c_str());
-}
-
-}  // namespace
-
 bool StSymbolTablePlugin::replaceName(const OdDbObjectId& record, StFix& fix, StError& error) {
   const OdDbObjectId standardId = fix.objectId();
   OdDbSymbolTableRecordPtr standardRecord = standardId.safeOpenObject();
   const OdString name = standardRecord->getName();
   standardRecord = OdDbSymbolTableRecordPtr();
   StReferenceIndex& references = index();
-  // Objects that have the record as their container can be neither moved nor left pointing
-  // at nothing, so the record stays as it is and nothing is changed; its own extension
-  // dictionary is the exception: that is the record's data and goes with it.
+  OdDbObjectId target = getRecord(tableOf(drawing_), name);
+  if (target == record) return true;
+  if (target.isNull() && !isReserved(recordName(record))) return renameInPlace(record, fix, error);
+  // A record of the standard's name that an earlier fix of this check copied in (a layer's
+  // standard linetype, say) gives way to the drawing's own record, which then becomes it in
+  // place and keeps its handle.
+  if (isNewThisCheck(target)) {
+    references.moveAll(target, record);
+    if (references.referencesTo(target).empty() && references.containedIn(target).empty()) {
+      eraseOwned(target);
+      return renameInPlace(record, fix, error);
+    }
+  }
+  OdString why;
+  if (!canReplace(record, name, why)) {
+    explainUnfixed(error, why);
+    return false;
+  }
   OdDbObjectId extension;
   if (OdDbObjectPtr object = record.safeOpenObject(); !object.isNull())
     extension = object->extensionDictionary();
-  for (const OdDbObjectId& holder : references.containedIn(record)) {
-    if (holder.isErased() || holder == extension) continue;
-    explainUnfixed(error, describeObject(holder) + L" belongs to it.");
-    return false;
-  }
-  OdDbObjectId target = getRecord(tableOf(drawing_), name);
-  if (target.isNull()) target = copyIn(drawing_, standardId.database(), name);
-  if (target.isNull()) {
-    explainUnfixed(error, OdString::format(L"the %ls \"%ls\" could not be copied in.",
-                                           kind_.c_str(), name.c_str()));
-    return false;
-  }
-  if (target == record) return true;
   references.moveAll(record, target);
   OdDbSymbolTableRecordPtr old = record.safeOpenObject(OdDb::kForWrite);
   if (moveHeaderVariables(old->getName(), name)) {
@@ -558,6 +581,62 @@ bool StSymbolTablePlugin::replaceName(const OdDbObjectId& record, StFix& fix, St
   old = OdDbSymbolTableRecordPtr();
   eraseOwned(extension);
   return true;
+}
+
+bool StSymbolTablePlugin::isNewThisCheck(const OdDbObjectId& record) const {
+  return firstNewHandle_ != 0 && !record.isNull() && record.getHandle().value() >= firstNewHandle_;
+}
+
+bool StSymbolTablePlugin::canReplace(const OdDbObjectId& record, const OdString& name,
+                                     OdString& why) {
+  const OdDbObjectId target = getRecord(tableOf(drawing_), name);
+  if (target.isNull() || target == record) return true;  // renamed in place
+  // Objects that have the record as their container can be neither moved nor left pointing
+  // at nothing, so the record must stay; its own extension dictionary is the exception: that
+  // is the record's data and goes with it.
+  OdDbObjectId extension;
+  if (OdDbObjectPtr object = record.safeOpenObject(); !object.isNull())
+    extension = object->extensionDictionary();
+  for (const OdDbObjectId& holder : index().containedIn(record)) {
+    if (holder.isErased() || holder == extension) continue;
+    why = describeObject(holder) + L" belongs to it.";
+    return false;
+  }
+  return true;
+}
+
+bool StSymbolTablePlugin::renameInPlace(const OdDbObjectId& record, StFix& fix, StError& error) {
+  // The drawing has no record of the standard's name: the record itself takes the name and
+  // the standard's properties, so it keeps its handle, and everything that points to it,
+  // owns it or belongs to it stays as it is; only what names it by its old name changes.
+  const OdDbObjectId standardId = fix.objectId();
+  OdDbSymbolTableRecordPtr standardRecord = standardId.safeOpenObject();
+  const OdString name = standardRecord->getName();
+  standardRecord = OdDbSymbolTableRecordPtr();
+  OdString oldName;
+  {
+    OdDbSymbolTableRecordPtr old = record.safeOpenObject(OdDb::kForWrite);
+    oldName = old->getName();
+    old->setName(name);
+  }
+  if (!applyStandard(record, standardId)) {
+    OdDbSymbolTableRecordPtr(record.safeOpenObject(OdDb::kForWrite))->setName(oldName);
+    explainUnfixed(error, OdString::format(L"the %ls \"%ls\" could not be given the standard's "
+                                           L"properties.",
+                                           kind_.c_str(), name.c_str()));
+    return false;
+  }
+  index().renameAll(record, oldName);
+  if (moveHeaderVariables(oldName, name)) {
+    explainUnfixed(error, L"a header variable still names it.");
+    return false;
+  }
+  return true;
+}
+
+OdString StSymbolTablePlugin::recordName(const OdDbObjectId& record) {
+  OdDbSymbolTableRecordPtr open = record.safeOpenObject();
+  return open->getName();
 }
 
 void StSymbolTablePlugin::eraseOwned(const OdDbObjectId& id) {

@@ -33,13 +33,15 @@ using StPropertyList = std::vector<std::pair<OdString, OdVariant>>;
 //    case and separators. These fixes come ranked by how close their names are to the
 //    record's: first those equal to it ignoring case and separators (blanks, '-', '_', '.'),
 //    then by edit distance of the case-folded names, ties by standards-file order and then
-//    name. getFirstFixes makes only the first of them; fixing moves every reference to the chosen
-//    standard record (copied in when the drawing lacks it): every pointer to it and every
-//    name of it in entities, records, objects, extension dictionaries, extended data and
-//    header variables, and erases the old record with its extension dictionary. A record that
-//    is the container of any other object (an object it is a reactor of) is not replaced at all,
-//    and a record something still refers to after the move is kept: either way the error is
-//    left unfixed and its description says why.
+//    name. getFirstFixes makes only the first of them. Fixing, when the drawing has no record
+//    of the chosen name, renames the record in place and gives it the standard's properties:
+//    it keeps its handle, and only what names it by its old name (entities, records, objects,
+//    extension dictionaries, extended data, header variables) changes. When the drawing has
+//    such a record, fixing moves every reference to it: every pointer and every name, and
+//    erases the old record with its extension dictionary. A record that is the container of
+//    any other object (an object it is a reactor of) is then not replaced at all, and a record
+//    something still refers to after the move is kept: either way the error is left unfixed
+//    and its description says why.
 // Errors carry kStErrorIgnored when the record has an ignore mark and kStErrorFixable when
 // they have fixes (kStErrorAlwaysReported when they have none); a fix that succeeds sets
 // kStErrorFixed.
@@ -167,6 +169,15 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin>, public StRa
   // Replaces `record` as the class comment tells; false (with the reason added to `error`'s
   // description) when it is not replaced.
   bool replaceName(const OdDbObjectId& record, StFix& fix, StError& error);
+  // The replacement when the drawing has no record of the standard's name: `record` is
+  // renamed and given the standard's properties; false as replaceName.
+  bool renameInPlace(const OdDbObjectId& record, StFix& fix, StError& error);
+  // Whether `record` can be replaced by the drawing's record `name` (or renamed to it when
+  // the drawing has none); when not, `why` says so.
+  bool canReplace(const OdDbObjectId& record, const OdString& name, OdString& why);
+  // Whether `record` was made after this check was set up (copied in by a fix).
+  bool isNewThisCheck(const OdDbObjectId& record) const;
+  static OdString recordName(const OdDbObjectId& record);
   // Erases `id` with everything it owns: a dictionary's entries, extension dictionaries.
   void eraseOwned(const OdDbObjectId& id);
   // Adds to `error`'s description why the fix left the problem in place.
@@ -179,6 +190,7 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin>, public StRa
   OdString kind_;
   OdString caption_;
   OdDbDatabase* drawing_ = nullptr;
+  std::uint64_t firstNewHandle_ = 0;  // $HANDSEED when the check was set up; 0 unknown
   std::vector<Standard> standards_;
   std::vector<std::unique_ptr<Candidates>> candidates_;
   OdString preferredName_;

@@ -25,7 +25,7 @@ std::string exactText(const OdString& name, const OdVariant& value,
   return st::odVariantToString(value).toUtf8();
 }
 
-// The record's name; an erased record (a fix that renamed it replaced it) still tells it.
+// The record's name; an erased record (a fix that replaced it) still tells it.
 OdString objectName(const OdDbObjectId& id) {
   if (id.isNull()) return OdString();
   OdDbObjectPtr object = id.openObject(OdDb::kForRead, true);
@@ -42,7 +42,16 @@ ReportProblem ProblemReader::read(const st::StErrorAccumulatorImpl::Entry& entry
   p.pluginName = entry.pluginName.toUtf8();
   OdDbObjectId id = error.objectId();
   p.handle = id.isNull() ? std::string() : id.getHandle().ascii();
-  const OdString name = objectName(id);
+  // The name the record had when the problem was found: a fix may have renamed it since.
+  OdString name;
+  for (std::int32_t i = 0; i < static_cast<std::int32_t>(error.propertyCount()); ++i) {
+    OdString property;
+    OdVariant value;
+    if (error.property(i, property, value) && property == L"Name" &&
+        value.varType() == OdVariant::kString)
+      name = value.getString();
+  }
+  if (name.isEmpty()) name = objectName(id);
   p.objectName = name.toUtf8();
   p.title = error.name().toUtf8();
   p.description = error.description().toUtf8();

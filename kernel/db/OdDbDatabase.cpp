@@ -320,16 +320,39 @@ std::size_t OdDbDatabase::retargetRecordReferences(const std::vector<OdDbObjectI
   if (table == OdDbDatabaseImpl::kTableKinds || !impl_->isRecordOf(to.stub(), table))
     throw OdError(eInvalidInput, "the objects " + from.getHandle().ascii() + " and " +
                                      to.getHandle().ascii() + " are not records of one table");
+  if (from == to) {
+    done = holders.size();
+    return 0;
+  }
   // Names are compared with the record's own rather than looked up: a lookup after each
   // erased record would index the table anew, for every holder of every replacement.
-  const OdString fromName = impl_->recordName(from.stub());
-  // Most names are written as the record writes its own: equal bytes need no decoding.
-  std::string_view fromRaw;
+  std::string fromRaw;
   {
     const DxfObject& record = impl_->dxf(from.stub());
     if (std::size_t at = record.find(2); at != DxfObject::npos) fromRaw = record.rawValue(at);
   }
-  const std::uint64_t fromHandle = from.stub()->handle.value();
+  return moveRecordLinks(holders, table, impl_->recordName(from.stub()), fromRaw,
+                         from.stub()->handle.value(), to, done);
+}
+
+std::size_t OdDbDatabase::renameRecordReferences(const std::vector<OdDbObjectId>& holders,
+                                                 const OdDbObjectId& record,
+                                                 const OdString& oldName, std::size_t& done) {
+  done = 0;
+  if (record.isNull() || record.database() != this)
+    throw OdError(eInvalidInput, "a renamed record's references are those of one drawing");
+  const Table table = tableOfRecord(*impl_, record.stub());
+  if (table == OdDbDatabaseImpl::kTableKinds)
+    throw OdError(eInvalidInput, "the object " + record.getHandle().ascii() + " is no record");
+  // Pointers to the record stay as they are: it is the same record under a new name.
+  return moveRecordLinks(holders, table, oldName, std::string(), 0, record, done);
+}
+
+std::size_t OdDbDatabase::moveRecordLinks(const std::vector<OdDbObjectId>& holders, int tableKind,
+                                          const OdString& fromName, const std::string& fromRaw,
+                                          std::uint64_t fromHandle, const OdDbObjectId& to,
+                                          std::size_t& done) {
+  const Table table = static_cast<Table>(tableKind);
   const OdString handle = OdString::fromUtf8(to.getHandle().ascii());
   const OdString name = impl_->recordName(to.stub());
   std::size_t changed = 0;
@@ -337,7 +360,7 @@ std::size_t OdDbDatabase::retargetRecordReferences(const std::vector<OdDbObjectI
   std::vector<std::pair<std::size_t, bool>> moving;  // tag, and whether it is a name
   for (const OdDbObjectId& holder : holders) {
     const OdDbStub* stub = holder.stub();
-    if (from != to && !holder.isNull() && holder.database() == this && !holder.isErased() &&
+    if (!holder.isNull() && holder.database() == this && !holder.isErased() &&
         stub->section != OdDbStub::kNoSection && !(stub->flags & OdDbStub::kDetached)) {
       DxfObject& obj = impl_->dxf(stub);
       links.clear();
@@ -348,7 +371,8 @@ std::size_t OdDbDatabase::retargetRecordReferences(const std::vector<OdDbObjectI
         bool refers = false;
         if (link.kind == OdDbRecordLinks::kPointer) {
           OdDbHandle h;
-          refers = OdDbHandle::parse(obj.rawValue(link.tag), h) && h.value() == fromHandle;
+          refers = fromHandle != 0 && OdDbHandle::parse(obj.rawValue(link.tag), h) &&
+                   h.value() == fromHandle;
         } else if (link.kind == OdDbRecordLinks::kName && link.table == table) {
           refers = !fromRaw.empty() && obj.rawValue(link.tag) == fromRaw;
           if (!refers) {

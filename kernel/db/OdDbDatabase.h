@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -97,6 +99,13 @@ class OdDbDatabase : public OdRxObject {
   std::size_t retargetRecordReferences(const std::vector<OdDbObjectId>& holders,
                                        const OdDbObjectId& from, const OdDbObjectId& to,
                                        std::size_t& done);
+  // After `record` was renamed from `oldName`: points every name in each of `holders` that
+  // names the record by `oldName` at its new name, in place; pointers to the record stay as
+  // they are. Returns how many tags changed; `done` and the exceptions as for
+  // retargetRecordReferences (eInvalidInput when `record` is no record of this drawing).
+  std::size_t renameRecordReferences(const std::vector<OdDbObjectId>& holders,
+                                     const OdDbObjectId& record, const OdString& oldName,
+                                     std::size_t& done);
 
   // Well-known objects; null ids when the drawing lacks them (a release-12 file has no
   // named-object dictionary).
@@ -149,5 +158,12 @@ class OdDbDatabase : public OdRxObject {
   ~OdDbDatabase() override;
 
  private:
+  // Points the pointers to the handle `fromHandle` (none for 0) and the names equal to
+  // `fromName` (or to the raw bytes `fromRaw`) of records of table `tableKind` in `holders` at
+  // the record `to`.
+  std::size_t moveRecordLinks(const std::vector<OdDbObjectId>& holders, int tableKind,
+                              const OdString& fromName, const std::string& fromRaw,
+                              std::uint64_t fromHandle, const OdDbObjectId& to, std::size_t& done);
+
   std::unique_ptr<OdDbDatabaseImpl> impl_;
 };

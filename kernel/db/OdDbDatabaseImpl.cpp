@@ -325,6 +325,18 @@ void OdDbDatabaseImpl::recordErased(OdDbStub* stub) {
   if (it != index->byName.end() && it->second == stub) index->byName.erase(it);
 }
 
+void OdDbDatabaseImpl::recordRenamed(OdDbStub* stub, const OdString& oldName) {
+  NameIndex* index = stub->isErased() ? nullptr : currentIndexOf(stub);
+  if (!index || index->duplicates) {
+    invalidateNames();
+    return;
+  }
+  auto it = index->byName.find(upperKey(oldName));
+  if (it != index->byName.end() && it->second == stub) index->byName.erase(it);
+  auto [at, added] = index->byName.try_emplace(upperKey(recordName(stub)), stub);
+  if (!added && at->second != stub) index->duplicates = true;
+}
+
 OdDbStub* OdDbDatabaseImpl::findBlockRecord(std::wstring_view upperName) {
   for (OdDbStub* rec : tableRecords(tables_[kBlockRecord]))
     if (upperKey(recordName(rec)) == upperName) return rec;

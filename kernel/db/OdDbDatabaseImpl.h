@@ -96,6 +96,8 @@ class OdDbDatabaseImpl {
   // else, or a table with two records of one name, falls back to invalidateNames.
   void recordAdded(OdDbStub* stub);
   void recordErased(OdDbStub* stub);
+  // The same for a record renamed from `oldName` (its tags already hold the new name).
+  void recordRenamed(OdDbStub* stub, const OdString& oldName);
   // The record of table `kind` called `name`, or a null id.
   OdDbObjectId recordByName(TableKind kind, const OdString& name) {
     return OdDbObjectId(findRecord(tables_[kind], name));

@@ -30,8 +30,9 @@ void OdDbSymbolTableRecord::setName(const OdString& name) {
       throw OdError(eDuplicateRecordName, "a record named " + name.toUtf8() + " exists already");
   }
   assertWriteEnabled();
+  const OdString oldName = getName();
   OdDbTagRange(dxf(), subclass()).setText(2, name);
-  if (stub()) stub()->database()->impl().invalidateNames();
+  if (OdDbStub* s = stub()) s->database()->impl().recordRenamed(s, oldName);
 }
 
 int OdDbSymbolTableRecord::flags() const {

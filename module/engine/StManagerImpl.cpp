@@ -346,10 +346,6 @@ void StManagerImpl::nextError() {
         if (error->flags() & kStErrorFixed) {
           ++fixedAutomatically_;
           if (sink_) sink_->addFixedError(error.get(), fix.get());
-        } else if (sink_) {
-          // A silent check reports what it leaves behind: the fix left the problem in place,
-          // and the plug-in's description says why.
-          sink_->addError(error.get());
         }
         ++found_;
         continue;

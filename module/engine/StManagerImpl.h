@@ -30,9 +30,8 @@ class StErrorAccumulator;
 // read from the module's settings at each nextError; without settings both count as off.
 //
 // With an error sink (setErrorSink) the manager runs silently: it never raises errorFound,
-// hands every problem it would show to the sink, every successful automatic fix too and every
-// error a failed automatic fix left in place (as a problem), and goes on to the end within
-// startCheck.
+// hands every problem it would show to the sink and every successful automatic fix too, and
+// goes on to the end within startCheck.
 //
 // The manager may be destroyed while attached: it detaches itself, and does without the host
 // when the host has gone.

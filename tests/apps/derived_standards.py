@@ -46,7 +46,7 @@ def near_miss(name):
 
 
 def loose(name):
-    return re.sub(r"[-_ ]", "", name.casefold())
+    return re.sub(r"[-_ .]", "", name.casefold())
 
 
 def table(doc, kind):

@@ -167,13 +167,14 @@ TEST_F(LayerPluginTest, ReplacingANameMovesEveryEntityAndPurgesTheOldLayer) {
   EXPECT_EQ(recommended->name(), L"Hatch-Fill");
   plugin_->fixError(fill[0].error.get(), recommended.get());
   EXPECT_TRUE(fill[0].error->flags() & st::kStErrorFixed);
-  // The new layer, the old one gone, and the two texts that were on it: nothing else.
+  // The layer renamed in place, keeping its handle, and the two texts that named it: nothing
+  // else.
   std::vector<std::string> others;
   int texts = 0;
   for (const std::string& changed : saveAndCompare(planFile_, "fill.dxf"))
     changed.rfind("TEXT #", 0) == 0 ? ++texts : (others.push_back(changed), 0);
   EXPECT_EQ(texts, 2);
-  EXPECT_EQ(others, (std::vector<std::string>{"+LAYER Hatch-Fill", "-LAYER hatch_fill"}));
+  EXPECT_EQ(others, (std::vector<std::string>{"LAYER Hatch-Fill"}));
 
   // Notes goes to Doors by the user's choice, from paper space too.
   auto notes = checkAndFind("Notes");

@@ -3,8 +3,8 @@
 // vertices and SEQENDs, an entity whose layer stands outside its common subclass, an arc
 // dimension's style, a multileader's and a multileader style's text style, an XRECORD and
 // extended data naming a layer by handle, a proxy entity's object ids. A record that is the
-// container of another object is left as it is and its error stays unfixed, saying why, and
-// is reported again.
+// container of another object, and whose standard record the drawing has already, is left as
+// it is and its error stays unfixed, saying why, and is reported again.
 
 #include "PluginsTestSupport.h"
 #include "StErrorFlags.h"
@@ -37,6 +37,9 @@ class PurgeSafetyTest : public ::testing::Test {
     OdDbDatabasePtr plan = OdDbDatabase::createEmpty();
     const std::string walls = plugintest::addLayer(*plan, L"Walls_Old", 3).getHandle().ascii();
     const std::string frame = plugintest::addLayer(*plan, L"Frame_Old", 3).getHandle().ascii();
+    // The standard's Frame-Old is in the drawing already: Frame_Old is replaced by it, not
+    // renamed in place.
+    plugintest::addLayer(*plan, L"Frame-Old", 1);
     plugintest::addDimStyle(*plan, L"dims_old", 2.0, 3);
     const std::string notes =
         plugintest::addTextStyle(*plan, L"notes_old", L"txt.shx", 0.0, 1.0).getHandle().ascii();
@@ -140,7 +143,8 @@ TEST_F(PurgeSafetyTest, AReplacementMovesEveryReferenceAndAContainerKeepsItsReco
   auto layers = fixAll(L"StDWSLayerPlugin");
   EXPECT_TRUE(layers["Walls_Old"] & st::kStErrorFixed);
   EXPECT_FALSE(layers["Frame_Old"] & st::kStErrorFixed) << "the XRECORD F00E keeps it";
-  EXPECT_NE(descriptions_["Frame_Old"].find("It was not replaced: the XRECORD F00E belongs to it."),
+  EXPECT_NE(descriptions_["Frame_Old"].find(
+                "It cannot be replaced automatically: the XRECORD F00E belongs to it."),
             std::string::npos)
       << descriptions_["Frame_Old"];
   auto styles = fixAll(L"StDWSTextstylePlugin");
@@ -200,7 +204,7 @@ TEST_F(PurgeSafetyTest, AReplacementMovesEveryReferenceAndAContainerKeepsItsReco
   EXPECT_EQ(result.output,
             "[]\n"
             "Walls-Old Notes-Old Notes-Old\n"
-            "['0', 'Frame_Old', 'Walls-Old']\n"
+            "['0', 'Frame-Old', 'Frame_Old', 'Walls-Old']\n"
             "['Label-Old', 'Notes-Old', 'Standard'] ['Dims-Old', 'Standard']\n"
             "[('Walls-Old', 'Notes-Old')] Walls-Old\n"
             "['Walls-Old', 'Walls-Old'] Walls-Old\n"
