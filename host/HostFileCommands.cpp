@@ -15,7 +15,6 @@
 #include "HostSilentCheck.h"
 #include "OdDbDatabase.h"
 #include "OdError.h"
-#include "OdRxDynamicLinker.h"
 
 namespace {
 
@@ -48,25 +47,20 @@ OdString fromPath(const fs::path& path) {
 using FindStandards = bool (*)(OdDbDatabase*, OdArray<OdString>*);
 using WriteStandards = bool (*)(OdDbDatabase*, const OdArray<OdString>*);
 
-template <class Function>
-Function exported(const char* name) {
-  return reinterpret_cast<Function>(odrxDynamicLinker()->findSymbol(name));
-}
-
 std::vector<OdString> associatedStandards(OdDbDatabase* db) {
   OdArray<OdString> files;
-  if (auto find = exported<FindStandards>("stFindStandardsFiles")) find(db, &files);
+  if (auto find = hostModuleFunction<FindStandards>("stFindStandardsFiles")) find(db, &files);
   return std::vector<OdString>(files.begin(), files.end());
 }
 
 // The drawing as it goes into the package: naming the standards files packed beside it by
-// their bare names, so that the package finds them wherever it is unpacked. `packed` maps
-// each found path to its name in the package; files left out keep the full path they were
-// found at. The drawing that is open stays as it is.
+// their bare names, so that the package finds them wherever it is unpacked. `packedNames[i]`
+// is the name in the package of `found[i]`, empty for a file left out, which keeps the full
+// path it was found at. The drawing that is open stays as it is.
 std::string packedDrawing(HostDocument& doc, const std::vector<OdString>& found,
                           const std::vector<OdString>& packedNames) {
   std::string bytes = doc.database()->writeBuffer();
-  auto write = exported<WriteStandards>("stWriteStandardsFiles");
+  auto write = hostModuleFunction<WriteStandards>("stWriteStandardsFiles");
   if (found.empty() || !write) return bytes;
   OdDbDatabasePtr copy = OdDbDatabase::readBuffer(bytes, doc.database()->getFilename().toUtf8());
   OdArray<OdString> list;

@@ -3,21 +3,10 @@
 #include <exception>
 
 #include "HostApplication.h"
-#include "OdRxDynamicLinker.h"
-
-namespace {
-
-template <class Function>
-Function exported(const char* name) {
-  // POSIX guarantees that a function's address survives the trip through void*.
-  return reinterpret_cast<Function>(odrxDynamicLinker()->findSymbol(name));
-}
-
-}  // namespace
 
 bool hostRunSilentCheck(int commandBit) {
-  auto isAllowed = exported<bool (*)(int)>("stIsCheckAllowed");
-  auto check = exported<void (*)()>("stCheckStandards");
+  auto isAllowed = hostModuleFunction<bool (*)(int)>("stIsCheckAllowed");
+  auto check = hostModuleFunction<void (*)()>("stCheckStandards");
   if (!isAllowed || !check || !isAllowed(commandBit)) return false;
   // The user asked for the check but not for it to stand in the way of the command.
   try {

@@ -21,7 +21,7 @@ constexpr int kTextStyleCode = 340;  // DIMTXSTY
 // Whether `db` is of a release that stores the variable under `code`; a null drawing (none
 // to compare with) does not restrict.
 bool holds(const OdDbDatabase* db, int code) {
-  return !db || OdDbDimStyleTableRecord::isDimVarHeldBy(code, db->versionNumber());
+  return !db || OdDbDimStyleTableRecord::isDimVarHeldBy(code, db->formatRelease());
 }
 
 // A dimension variable's value as compared and shown: references by the referenced record's
@@ -105,13 +105,6 @@ bool StDWSDimstylePlugin::applyStandard(const OdDbObjectId& record, const OdDbOb
   OdDbDimStyleTableRecordPtr style = record.safeOpenObject(OdDb::kForWrite);
   for (const OdResBufPtr& value : kept) style->setDimVar(value.get());
   return true;
-}
-
-OdDbObjectId StDWSDimstylePlugin::copyIn(OdDbDatabase* drawing, OdDbDatabase* standard,
-                                         const OdString& name) {
-  OdDbSymbolTablePtr styles = standard->getDimStyleTableId().safeOpenObject();
-  const OdDbObjectId id = styles->getAt(name);
-  return id.isNull() ? id : cloneStyle(drawing, id, OdDb::kDrcIgnore);
 }
 
 StIconHandle StDWSDimstylePlugin::icon() const {

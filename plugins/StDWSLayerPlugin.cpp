@@ -123,12 +123,6 @@ bool StDWSLayerPlugin::applyStandard(const OdDbObjectId& record, const OdDbObjec
   return true;
 }
 
-OdDbObjectId StDWSLayerPlugin::copyIn(OdDbDatabase* drawing, OdDbDatabase* standard,
-                                      const OdString& name) {
-  OdDbObjectId id;
-  return stCloneLayerTableRecord(drawing, standard, name, id) == eOk ? id : OdDbObjectId();
-}
-
 StIconHandle StDWSLayerPlugin::icon() const {
   static const char* const kRows[StIcon::kSize] = {
       "................", "................", "......####......", "....##....##....",

@@ -22,7 +22,6 @@ class StDWSLayerPlugin : public StSymbolTablePlugin {
   bool isReserved(const OdString& name) const override;
   void readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const override;
   bool applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) override;
-  OdDbObjectId copyIn(OdDbDatabase* drawing, OdDbDatabase* standard, const OdString& name) override;
   std::vector<const char*> headerVariables() const override { return {"$CLAYER"}; }
 };
 

@@ -61,12 +61,6 @@ bool StDWSLinetypePlugin::applyStandard(const OdDbObjectId& record, const OdDbOb
          id == record;
 }
 
-OdDbObjectId StDWSLinetypePlugin::copyIn(OdDbDatabase* drawing, OdDbDatabase* standard,
-                                         const OdString& name) {
-  OdDbObjectId id;
-  return stCloneLinetypeTableRecord(drawing, standard, name, id) == eOk ? id : OdDbObjectId();
-}
-
 StIconHandle StDWSLinetypePlugin::icon() const {
   static const char* const kRows[StIcon::kSize] = {
       "................", "................", "................", "####..####..####",

@@ -23,7 +23,6 @@ class StDWSLinetypePlugin : public StSymbolTablePlugin {
   bool isChecked(OdDbSymbolTableRecord& record) const override;
   void readProperties(OdDbSymbolTableRecord& record, StPropertyList& out) const override;
   bool applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) override;
-  OdDbObjectId copyIn(OdDbDatabase* drawing, OdDbDatabase* standard, const OdString& name) override;
   std::vector<const char*> headerVariables() const override { return {"$CELTYPE"}; }
 };
 

@@ -52,12 +52,6 @@ bool StDWSTextstylePlugin::applyStandard(const OdDbObjectId& record, const OdDbO
          id == record;
 }
 
-OdDbObjectId StDWSTextstylePlugin::copyIn(OdDbDatabase* drawing, OdDbDatabase* standard,
-                                          const OdString& name) {
-  OdDbObjectId id;
-  return stCloneTextStyleTableRecord(drawing, standard, name, id) == eOk ? id : OdDbObjectId();
-}
-
 StIconHandle StDWSTextstylePlugin::icon() const {
   static const char* const kRows[StIcon::kSize] = {
       "................", "......####......", ".....##..##.....", "....##....##....",

@@ -14,13 +14,10 @@ constexpr int kReleaseR13 = 1012;
 constexpr int kReleaseR2000 = 1015;  // lineweights, plotting and plot styles of layers
 constexpr int kReleaseR2004 = 1018;  // true colours
 
-// Whether `db` is of a release that stores what `release` added. A drawing that names no
-// release (0: no $ACADVER, or one from before AC1001) is read and written as a release-12
-// one, so it stores nothing later; a null drawing stores nothing.
+// Whether `db` is of a release that stores what `release` added (a drawing that names no
+// release stores what release 12 does); a null drawing stores nothing.
 inline bool storesRelease(const OdDbDatabase* db, int release) {
-  if (!db) return false;
-  const int version = db->versionNumber();
-  return (version == 0 ? 1009 : version) >= release;
+  return db && db->formatRelease() >= release;
 }
 
 }  // namespace st

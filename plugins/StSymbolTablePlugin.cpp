@@ -65,10 +65,6 @@ OdString looseName(const OdString& name) {
 
 const wchar_t* const kNameProperty = L"Name";
 
-}  // namespace
-
-namespace {
-
 // "the DICTIONARY 1F": what a user can find the object by.
 OdString describeObject(const OdDbObjectId& id) {
   OdString type = L"object";
@@ -98,18 +94,7 @@ void StSymbolTablePlugin::setupForAudit(OdDbDatabase* drawing, const OdString& d
                                         const OdArray<OdDbDatabase*>& standardsDatabases) {
   clear();
   drawing_ = drawing;
-  firstNewHandle_ = 0;
-  if (drawing_) {
-    // The kernel gives new objects handles from here on.
-    OdResBufPtr seed = drawing_->getHeaderVariable(L"$HANDSEED");
-    OdDbHandle handle;
-    try {
-      if (!seed.isNull() && OdDbHandle::parse(seed->getString().toUtf8(), handle))
-        firstNewHandle_ = handle.value();
-    } catch (const OdError&) {
-      firstNewHandle_ = 0;  // not a text: no record counts as new
-    }
-  }
+  firstNewHandle_ = drawing_ ? drawing_->nextHandle().value() : 0;
   standards_.clear();
   for (unsigned i = 0; i < standardsDatabases.size(); ++i) {
     if (!standardsDatabases[i] || standardsDatabases[i] == drawing) continue;
@@ -584,7 +569,7 @@ bool StSymbolTablePlugin::replaceName(const OdDbObjectId& record, StFix& fix, St
 }
 
 bool StSymbolTablePlugin::isNewThisCheck(const OdDbObjectId& record) const {
-  return firstNewHandle_ != 0 && !record.isNull() && record.getHandle().value() >= firstNewHandle_;
+  return drawing_ && !record.isNull() && record.getHandle().value() >= firstNewHandle_;
 }
 
 bool StSymbolTablePlugin::canReplace(const OdDbObjectId& record, const OdString& name,

@@ -49,7 +49,7 @@ using StPropertyList = std::vector<std::pair<OdString, OdVariant>>;
 // Errors are found one at a time, as next() moves on, so that what earlier fixes changed is
 // seen. start() places the walk before the first error; next() moves to it.
 //
-// A derived plug-in names its table, reads and applies properties and copies records in;
+// A derived plug-in names its table, reads and applies properties;
 // everything else, finding and moving the references to its records included, happens here.
 class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin>, public StRankedFixes {
  public:
@@ -97,10 +97,6 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin>, public StRa
   // Gives the drawing's `record` the properties of `standard`, a record of the same name in
   // a standards drawing. False when that cannot be done; the kernel's OdError may pass.
   virtual bool applyStandard(const OdDbObjectId& record, const OdDbObjectId& standard) = 0;
-  // Copies the record `name` of `standard` into the drawing, which lacks it; the new id, or
-  // null when it cannot be copied.
-  virtual OdDbObjectId copyIn(OdDbDatabase* drawing, OdDbDatabase* standard,
-                              const OdString& name) = 0;
   // The header variables that name a record of the kind ("$CLAYER"); a replacement moves
   // them and a record one of them names is never erased.
   virtual std::vector<const char*> headerVariables() const { return {}; }
@@ -190,7 +186,7 @@ class StSymbolTablePlugin : public StDWSPluginImplBase<StDWSPlugin>, public StRa
   OdString kind_;
   OdString caption_;
   OdDbDatabase* drawing_ = nullptr;
-  std::uint64_t firstNewHandle_ = 0;  // $HANDSEED when the check was set up; 0 unknown
+  std::uint64_t firstNewHandle_ = 0;  // the drawing's next handle when the check was set up
   std::vector<Standard> standards_;
   std::vector<std::unique_ptr<Candidates>> candidates_;
   OdString preferredName_;

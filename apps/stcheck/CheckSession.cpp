@@ -177,12 +177,6 @@ DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, Draw
   if (counts.standardsUnusable) {
     // A file that was there but is no drawing stopped the check before any plug-in ran.
     for (const std::string& file : report.standards) {
-      if (!std::filesystem::is_regular_file(file, ec)) {
-        report.error = "standards file not found: " + file;
-        return report;
-      }
-    }
-    for (const std::string& file : report.standards) {
       std::string reason = unreadableReason(file);
       if (reason.empty()) continue;
       // The reader's messages start with the file they are about, which is named here already.

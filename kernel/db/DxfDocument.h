@@ -53,6 +53,9 @@ class DxfDocument {
   const std::string& version() const noexcept { return version_; }
   // The release number of $ACADVER (1009 for "AC1009"), 0 when absent or older than AC1001.
   int versionNumber() const noexcept { return versionNumber_; }
+  // The release whose rules say what the file stores: versionNumber(), or 1009 for a file that
+  // names none, which is read and written as a release-12 file.
+  int formatRelease() const noexcept { return versionNumber_ == 0 ? 1009 : versionNumber_; }
   const DxfTextCodec& codec() const noexcept { return *codec_; }
 
   // The whole file as read.

@@ -60,7 +60,6 @@ const LaterCode kLaterCodes[] = {
 // Drops from a record's `body` the codes files of release `version` do not store (the
 // extended data is kept: every release with tables stores it).
 void keepCodesOf(OdDbDatabaseImpl::TableKind kind, int version, std::vector<DxfTag>& body) {
-  if (version == 0) version = 1009;  // a file that names no release is a release-12 one
   std::vector<DxfTag> kept;
   bool xdata = false;
   for (const DxfTag& t : body) {
@@ -77,7 +76,6 @@ void keepCodesOf(OdDbDatabaseImpl::TableKind kind, int version, std::vector<DxfT
 // Drops the dimension variables of a DIMSTYLE's `body` that files of release `version` do
 // not store, so that a copy into an older drawing writes nothing its release cannot hold.
 void keepDimVarsOf(int version, std::vector<DxfTag>& body) {
-  if (version == 0) version = 1009;  // a file that names no release is a release-12 one
   std::vector<DxfTag> kept;
   bool flags = false;
   bool inGroup = false;
@@ -241,17 +239,17 @@ OdDbObjectId OdDbCloner::clone(OdDbStub* record, OdDbDatabaseImpl::TableKind kin
   std::vector<DxfTag> all = target_.importTags(src);
   std::vector<DxfTag> body(all.begin() + static_cast<std::ptrdiff_t>(bodyStart(src)), all.end());
   DxfDocument& doc = target_.doc();
-  // Release 12 records (also those of a file that names no release) have no subclasses.
-  if (doc.versionNumber() < 1012) {
+  // Release 12 records have no subclasses.
+  if (doc.formatRelease() < 1012) {
     std::vector<DxfTag> kept;
     for (const DxfTag& t : body)
       if (t.code != 100 && (t.code < 280 || t.code >= 1000)) kept.push_back(t);
     body.swap(kept);
   }
   if (kind == OdDbDatabaseImpl::kDimstyle)
-    keepDimVarsOf(doc.versionNumber(), body);
+    keepDimVarsOf(doc.formatRelease(), body);
   else
-    keepCodesOf(kind, doc.versionNumber(), body);
+    keepCodesOf(kind, doc.formatRelease(), body);
   // Claim the mapping first: records that refer back to this one then find it.
   if (existing)
     map_.assign(OdDbIdPair(OdDbObjectId(record), OdDbObjectId(existing), true, primary));
@@ -300,7 +298,7 @@ OdDbObjectId OdDbCloner::clone(OdDbStub* record, OdDbDatabaseImpl::TableKind kin
   tags.insert(tags.end(), body.begin(), body.end());
   OdDbStub* stub = target_.insertObject(table->section, at, std::move(tags));
   DxfObject& obj = target_.dxf(stub);
-  bool modern = doc.versionNumber() >= 1012;
+  bool modern = doc.formatRelease() >= 1012;
   std::size_t pos = 1;
   if (modern || target_.hasHandles())
     obj.insertTag(

@@ -80,6 +80,14 @@ OdString OdDbDatabase::getFilename() const {
 OdString OdDbDatabase::versionString() const {
   return OdString::fromUtf8(impl_->doc().version());
 }
+OdDbHandle OdDbDatabase::nextHandle() const {
+  return OdDbHandle(impl_->nextHandle());
+}
+
+int OdDbDatabase::formatRelease() const {
+  return impl_->doc().formatRelease();
+}
+
 int OdDbDatabase::versionNumber() const {
   return impl_->doc().versionNumber();
 }

@@ -58,6 +58,11 @@ class OdDbDatabase : public OdRxObject {
   OdString versionString() const;
   // The release number of $ACADVER (1032 for "AC1032"); 0 when unknown.
   int versionNumber() const;
+  // The release whose rules say what the drawing stores: versionNumber(), or 1009 (release 12)
+  // for a drawing that names none.
+  int formatRelease() const;
+  // The handle the next new object gets; every object made from now on has it or a higher one.
+  OdDbHandle nextHandle() const;
   bool isBinary() const;
   // The code page strings are decoded with, as ICU names it ("windows-1252", "UTF-8").
   OdString encoding() const;

@@ -128,6 +128,7 @@ class OdDbDatabaseImpl {
   // `section`, with a fresh handle, which the caller writes into the tags.
   OdDbStub* insertObject(std::size_t section, std::size_t index, std::vector<DxfTag> tags);
   std::uint64_t newHandle();
+  std::uint64_t nextHandle() const noexcept { return nextHandle_; }
   // Tags of another document's object remade in this one (strings re-encoded).
   std::vector<DxfTag> importTags(const DxfObject& source);
 

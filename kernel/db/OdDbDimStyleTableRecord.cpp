@@ -118,8 +118,6 @@ OdString OdDbDimStyleTableRecord::dimVarName(int code) {
 bool OdDbDimStyleTableRecord::isDimVarHeldBy(int code, int versionNumber) {
   const DimVar* v = dimVar(code);
   if (!v) return false;
-  // A file that names no release is read and written as a release-12 one.
-  if (versionNumber == 0) versionNumber = 1009;
   return versionNumber >= v->since && versionNumber < v->until;
 }
 

@@ -16,8 +16,8 @@ class OdDbDimStyleTableRecord : public OdDbSymbolTableRecord {
   static OdString dimVarName(int code);
   // Every variable's group code, in the order files write them.
   static const std::vector<int>& dimVarCodes();
-  // Whether files of release `versionNumber` (OdDbDatabase::versionNumber(), 0 for a file
-  // that names none, which is taken for a release-12 one) store the variable under `code`. Later
+  // Whether files of release `versionNumber` (OdDbDatabase::formatRelease()) store the
+  // variable under `code`. Later
   // releases added variables, and release 2000 moved the arrow blocks from names (5-7) to
   // references (342-344). False for a code that is no dimension variable.
   static bool isDimVarHeldBy(int code, int versionNumber);

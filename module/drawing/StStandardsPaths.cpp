@@ -63,4 +63,11 @@ OdString StStandardsPaths::resolve(const OdString& stored, const OdDbDatabase* d
   return drawingFolder.empty() ? stored : fromPath(drawingFolder / name);
 }
 
+OdArray<OdString> StStandardsPaths::resolveAll(const OdArray<OdString>& stored,
+                                               const OdDbDatabase* drawing) {
+  OdArray<OdString> found;
+  for (const OdString& path : stored) found.push_back(resolve(path, drawing));
+  return found;
+}
+
 }  // namespace st

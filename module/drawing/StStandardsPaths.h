@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OdArray.h"
 #include "OdString.h"
 #include "StExport.h"
 
@@ -20,6 +21,8 @@ class ST_EXPORT StStandardsPaths {
  public:
   // The file `stored` names for `drawing` (null: no drawing folder). Never throws.
   static OdString resolve(const OdString& stored, const OdDbDatabase* drawing);
+  // Each of `stored`, resolved, in order.
+  static OdArray<OdString> resolveAll(const OdArray<OdString>& stored, const OdDbDatabase* drawing);
   // True for a path starting with '/' or '\', or with a drive letter and ':'.
   static bool isAbsolute(const OdString& path);
 };

@@ -85,7 +85,7 @@ bool stFindStandardsFiles(OdDbDatabase* db, OdArray<OdString>* files) {
   st::StDbReaderWriterPtr reader = st::StDbReaderWriter::createObject();
   OdArray<OdString> stored;
   if (reader->setDatabase(db)) reader->readStandardFiles(stored);
-  for (const OdString& file : stored) files->push_back(st::StStandardsPaths::resolve(file, db));
+  files->append(st::StStandardsPaths::resolveAll(stored, db));
   return true;
 }
 

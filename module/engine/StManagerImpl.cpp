@@ -189,10 +189,8 @@ void StManagerImpl::clearRunStandardsFiles() {
 }
 
 OdArray<OdString> StManagerImpl::standardsFilesFound() {
-  OdArray<OdString> found;
-  for (const OdString& stored : runListSet_ ? runList_ : getStandardsFiles(db_.get()))
-    found.push_back(StStandardsPaths::resolve(stored, db_.get()));
-  return found;
+  return StStandardsPaths::resolveAll(runListSet_ ? runList_ : getStandardsFiles(db_.get()),
+                                      db_.get());
 }
 
 void StManagerImpl::setUp() {
