@@ -54,6 +54,18 @@ class Project {
     return testsupport::runStcheckIn(dir(), dir() / "config.json", args);
   }
 
+  // Expects the JSON report `name` to follow the report schema (when jsonschema is there).
+  void expectValidReport(const std::string& name) const {
+    auto schema = python(
+        "import json,sys,jsonschema\n"
+        "jsonschema.Draft202012Validator(json.load(open(sys.argv[1]))).validate("
+        "json.load(open(sys.argv[2])))\n",
+        {std::string(STAUDIT_SOURCE_DIR) + "/docs/report.schema.json", file(name).string()});
+    if (schema.output.find("No module named 'jsonschema'") == std::string::npos) {
+      EXPECT_EQ(schema.exitCode, 0) << name << ": " << schema.output;
+    }
+  }
+
   // Runs a Python snippet over files, with sys.argv[1:] the arguments.
   static ProcessResult python(const std::string& script, const std::vector<std::string>& args) {
     std::string line = std::string(STAUDIT_PYTHON) + " -c " + shellQuote(script);
@@ -243,15 +255,7 @@ TEST(StcheckCheck, ACrowdedStandardListsTheClosestFixesAndCountsTheRest) {
   EXPECT_EQ(listed.output,
             "1 20 11\n['WALL-HATCH*', 'Mall_Hatch', 'Wall-Patch', 'Wall-Hatch-Old']\n")
       << listed.output;
-  auto schema = Project::python(
-      "import json,sys,jsonschema\n"
-      "jsonschema.Draft202012Validator(json.load(open(sys.argv[1]))).validate("
-      "json.load(open(sys.argv[2])))\n",
-      {std::string(STAUDIT_SOURCE_DIR) + "/docs/report.schema.json",
-       project.file("c.json").string()});
-  if (schema.output.find("No module named 'jsonschema'") == std::string::npos) {
-    EXPECT_EQ(schema.exitCode, 0) << schema.output;
-  }
+  project.expectValidReport("c.json");
   run = project.stcheck({"check", "crowded.dxf", "--standard", "crowded.dws"});
   EXPECT_NE(run.output.find("      fix: WALL-HATCH (crowded.dws) recommended\n"
                             "      fix: Mall_Hatch (crowded.dws)\n"),
@@ -268,15 +272,7 @@ TEST(StcheckCheck, EveryFormatIsReadableByItsOwnKindOfReader) {
         {"check", "floor-plan.dxf", "--format", format, "-o", std::string("report.") + format});
     EXPECT_EQ(run.exitCode, 1) << format << ": " << run.output;
   }
-  auto schema = Project::python(
-      "import json,sys,jsonschema\n"
-      "jsonschema.Draft202012Validator(json.load(open(sys.argv[1]))).validate("
-      "json.load(open(sys.argv[2])))\n",
-      {std::string(STAUDIT_SOURCE_DIR) + "/docs/report.schema.json",
-       project.file("report.json").string()});
-  if (schema.output.find("No module named 'jsonschema'") == std::string::npos) {
-    EXPECT_EQ(schema.exitCode, 0) << schema.output;
-  }
+  project.expectValidReport("report.json");
   auto junit = Project::python(
       "import sys,xml.etree.ElementTree as E\n"
       "r=E.parse(sys.argv[1]).getroot();print(r.get('tests'),r.get('failures'))\n",
