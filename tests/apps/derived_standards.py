@@ -327,7 +327,7 @@ def allowed_change(kind, old, new, gone_names, gone_handles):
     """An object may change only where it named a record the fix took away."""
     if kind == "TABLE":
         return all(a[2] == b[2] or a[0] == 70 for a, b in zip(old, new)) and len(old) == len(new)
-    if kind == "SECTION":  # the header: the handle seed, and names of records gone or renamed
+    if kind == "SECTION":  # the header: $HANDSEED, and variables naming a replaced record
         before, after = header_variables(old), header_variables(new)
         for var in set(before) | set(after):
             a, b = before.get(var), after.get(var)
