@@ -131,12 +131,13 @@ void HostApDocManager::closeAll() {
   }
 }
 
-void HostApDocManager::saveDocument(HostDocument* doc, const OdString& path) {
+void HostApDocManager::saveDocument(HostDocument* doc, const OdString& path,
+                                    const OdAtomicFile::Options& options) {
   if (!isOpenHere(doc)) throw OdError(eInvalidInput, "the document to save is not open");
   OdString target = path.isEmpty() ? doc->fileName() : canonicalText(path);
   notify([&](HostApDocManagerReactor* r) { r->onDocumentSaving(doc); });
   try {
-    doc->database()->writeFile(HostPaths::toPath(target));
+    doc->database()->writeFile(HostPaths::toPath(target), std::nullopt, options);
   } catch (const OdError& e) {
     notify([&](HostApDocManagerReactor* r) { r->onDocumentSaveFailed(doc, e.description()); });
     throw;

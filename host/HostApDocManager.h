@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "HostDocument.h"
+#include "OdAtomicFile.h"
 #include "OdResult.h"
 #include "OdString.h"
 
@@ -43,8 +44,10 @@ class HostApDocManager {
   void closeAll();
   // Saves the document's drawing to `path` (its own file when empty). A save under another
   // name renames the document. Throws OdError (eFileWriteError naming the file) when it
-  // fails; the file on disk is then as it was.
-  void saveDocument(HostDocument* doc, const OdString& path = OdString());
+  // fails; the file on disk is then as it was. `options` say what the file must still be and
+  // what happens just before it is replaced (see OdAtomicFile).
+  void saveDocument(HostDocument* doc, const OdString& path = OdString(),
+                    const OdAtomicFile::Options& options = {});
 
   // Sets a system variable of `doc` (see HostSysVars::set) and tells the reactors when it
   // changed.

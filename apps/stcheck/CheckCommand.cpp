@@ -6,16 +6,21 @@
 #include <cstdlib>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <sstream>
 
+#include "BackupName.h"
 #include "CheckSession.h"
 #include "DrawingFinder.h"
 #include "HtmlReport.h"
 #include "JsonReport.h"
 #include "JunitReport.h"
+#include "OdAtomicFile.h"
 #include "OdError.h"
 #include "ProgressLine.h"
+#include "ReportTarget.h"
 #include "SarifReport.h"
+#include "ScratchFolder.h"
 #include "TextReport.h"
 #include "WorkerPool.h"
 
@@ -30,34 +35,6 @@ std::string render(const CheckReport& report, const CheckOptions& options) {
   if (options.format == "sarif") return SarifReport::write(report);
   bool color = options.output.empty() && isatty(STDOUT_FILENO) && !std::getenv("NO_COLOR");
   return TextReport::write(report, color);
-}
-
-// Writes the report next to its target and renames it into place, so that a reader never
-// sees half a report. False, with a message, when it cannot be written.
-bool writeReport(const std::string& text, const std::string& target) {
-  std::filesystem::path path(target);
-  std::filesystem::path temp = path;
-  temp += ".part";
-  {
-    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-    out << text;
-    out.close();
-    if (!out) {
-      std::fprintf(stderr, "stcheck: cannot write the report to %s\n", target.c_str());
-      std::error_code ec;
-      std::filesystem::remove(temp, ec);
-      return false;
-    }
-  }
-  std::error_code ec;
-  std::filesystem::rename(temp, path, ec);
-  if (ec) {
-    std::fprintf(stderr, "stcheck: cannot write the report to %s: %s\n", target.c_str(),
-                 ec.message().c_str());
-    std::filesystem::remove(temp, ec);
-    return false;
-  }
-  return true;
 }
 
 // What a worker that left no report tells about its drawing.
@@ -120,12 +97,12 @@ bool readChunk(const Chunk& chunk, std::vector<DrawingReport>& out) {
 std::vector<DrawingReport> checkInWorkers(const std::vector<std::filesystem::path>& drawings,
                                           const CheckOptions& options) {
   std::filesystem::path self = WorkerPool::selfExecutable();
-  std::string pattern = (std::filesystem::temp_directory_path() / "stcheck-jobs-XXXXXX").string();
-  std::vector<char> buf(pattern.begin(), pattern.end());
-  buf.push_back('\0');
-  if (self.empty() || !mkdtemp(buf.data()))
-    throw OdError(eFileWriteError, "cannot prepare worker processes");
-  std::filesystem::path scratch(buf.data());
+  if (self.empty())
+    throw OdError(eFileAccessError,
+                  "cannot start worker processes: the running program is unknown");
+  ScratchFolder::removeStale();
+  ScratchFolder folder;
+  const std::filesystem::path& scratch = folder.path();
 
   const std::size_t chunkCount =
       std::min(drawings.size(), static_cast<std::size_t>(options.jobs) * 4);
@@ -171,8 +148,6 @@ std::vector<DrawingReport> checkInWorkers(const std::vector<std::filesystem::pat
   }
   progress.clear();
   for (std::size_t i = 0; i < drawings.size(); ++i) reports[i].path = drawings[i].string();
-  std::error_code ec;
-  std::filesystem::remove_all(scratch, ec);
   return reports;
 }
 
@@ -196,6 +171,21 @@ int runCheck(const CheckOptions& options) {
     }
   }
   DrawingFinder::Found found = DrawingFinder::find(options.paths);
+  std::optional<ReportTarget> target;
+  if (!options.output.empty()) {
+    target.emplace(options.output);
+    for (const std::string& s : options.standards) target->protect(s, "a standards file");
+    for (const auto& drawing : found.drawings) {
+      target->protect(drawing, "a drawing being checked");
+      for (const auto& bak : BackupName::candidates(drawing))
+        target->protect(bak, "the backup of a drawing being checked");
+    }
+    if (!target->refusal().empty()) {
+      std::fprintf(stderr, "stcheck: %s\n", target->refusal().c_str());
+      return 2;
+    }
+    OdAtomicFile::removeStale(std::filesystem::absolute(options.output).parent_path());
+  }
   CheckReport report;
   report.toolVersion = STAUDIT_VERSION;
   for (const auto& [path, why] : found.missing) {
@@ -214,10 +204,18 @@ int runCheck(const CheckOptions& options) {
     return 2;
   }
   std::string text = render(report, options);
-  if (options.output.empty()) {
+  if (!target) {
     std::fwrite(text.data(), 1, text.size(), stdout);
     std::fflush(stdout);
-  } else if (!writeReport(text, options.output)) {
+    return report.exitCode();
+  }
+  // The drawings' own standards files are known only now.
+  for (const DrawingReport& d : report.drawings)
+    for (const std::string& s : d.standards) target->protect(s, "a standards file of " + d.path);
+  try {
+    target->write(text);
+  } catch (const OdError& e) {
+    std::fprintf(stderr, "stcheck: %s\n", e.description().toUtf8().c_str());
     return 2;
   }
   return report.exitCode();

@@ -1,11 +1,22 @@
 #include "CheckSession.h"
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <optional>
+
 #include <cstdlib>
 #include <system_error>
+
+#include "BackupName.h"
+#include "DrawingLock.h"
 
 #include "HeadlessHost.h"
 #include "HostConfigTree.h"
 #include "ModuleHost.h"
+#include "OdAtomicFile.h"
 #include "OdDbDatabase.h"
 #include "OdError.h"
 #include "OdRxClass.h"
@@ -21,6 +32,7 @@
 #include "StManagerImpl.h"
 #include "StManagerReactor.h"
 #include "StSettingsStorage.h"
+#include "StStandardsPaths.h"
 
 namespace stcheck {
 
@@ -79,11 +91,47 @@ std::string unreadableReason(const std::string& path) {
   return std::string();
 }
 
-// A CAD user's backup name: the drawing's name with the extension ".bak".
-std::filesystem::path backupPath(const std::filesystem::path& drawing) {
-  std::filesystem::path bak = drawing;
-  bak.replace_extension(".bak");
-  return bak;
+// Why --fix may not write the drawing, decided before anything is changed, so that the check
+// still reports every problem; empty when it may. An editor refuses what is refused here.
+std::string whyNotWritable(const std::filesystem::path& drawing) {
+  std::optional<OdFileStamp> stamp = OdFileStamp::of(drawing);
+  if (!stamp) return std::string();  // the reader says what is wrong
+  std::error_code ec;
+  if (stamp->isLink())
+    return "it is a symbolic link to " + std::filesystem::read_symlink(drawing, ec).string() +
+           ": fix the file it leads to";
+  if (!stamp->isRegularFile()) return std::string();
+  if ((stamp->mode & 0222) == 0) return "it is read-only";
+  if (::access(drawing.c_str(), W_OK) != 0)
+    return std::string("it cannot be written (") + std::strerror(errno) + ")";
+  const std::filesystem::path folder = drawing.parent_path();
+  if (::access(folder.c_str(), W_OK | X_OK) != 0)
+    return "its folder " + folder.string() + " is not writable (" + std::strerror(errno) + ")";
+  if (::geteuid() != 0) {
+    // A rewritten drawing is a new file, which only the superuser can give to another user or
+    // put in a group the writer is not in.
+    if (stamp->owner != ::geteuid())
+      return "it belongs to another user (" + std::to_string(stamp->owner) +
+             "), who would lose it to you";
+    std::vector<gid_t> groups(static_cast<std::size_t>(std::max(0, ::getgroups(0, nullptr))));
+    groups.resize(static_cast<std::size_t>(
+        std::max(0, ::getgroups(static_cast<int>(groups.size()), groups.data()))));
+    if (stamp->group != ::getegid() &&
+        std::find(groups.begin(), groups.end(), stamp->group) == groups.end())
+      return "its group " + std::to_string(stamp->group) + " is not one of yours";
+  }
+  return std::string();
+}
+
+// After a write that failed, nothing the check fixed in memory reached the drawing: the
+// problems stand as found.
+void forgetFixes(DrawingReport& report) {
+  for (ReportProblem& p : report.problems) {
+    p.fixed = false;
+    p.fixedWith.clear();
+    p.renamedTo.clear();
+  }
+  report.counts.fixedAutomatically = 0;
 }
 
 }  // namespace
@@ -93,7 +141,9 @@ CheckSession::CheckSession(const CheckOptions& options)
   HostConfigTree::Batch batch(module_->host().app().configTree());
   st::StSettingsStorage* settings = ::stSettingsStorage();
   settings->setAutoFixProperties(options_.fix);
-  settings->setShowIgnoredProblems(options_.showIgnored);
+  // Problems marked ignored always come over, to be counted; --show-ignored decides whether
+  // they are listed.
+  settings->setShowIgnoredProblems(true);
   st::StDialogs dialogs = st::stDialogs();
   dialogs.errorReport = collectReport;
   st::stSetDialogs(dialogs);
@@ -122,8 +172,20 @@ DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, Draw
   for (const std::string& s : options_.standards)
     standards.push_back(OdString::fromUtf8(std::filesystem::absolute(s).string()));
 
+  // A drawing to fix is locked before it is read and stays locked until it is written.
+  std::string notWritable = options_.fix ? whyNotWritable(absolute) : std::string();
+  std::optional<DrawingLock> lock;
+  if (options_.fix && notWritable.empty()) {
+    lock.emplace(absolute);
+    if (swept_.insert(absolute.parent_path()).second)
+      OdAtomicFile::removeStale(absolute.parent_path());
+  }
+
   HostDocument* doc = module_->host().openDrawing(absolute);
   Finally close([&] { module_->host().app().documents().closeDocument(doc, true); });
+  if (lock && !lock->unchanged())
+    throw OdError(eFileAccessError,
+                  drawing.string() + ": changed on disk while it was read; check it again");
   OdDbDatabase* db = doc->database();
   st::StManagerCache* cache = st::stManagerCache();
   if (!cache) throw OdError(eNotInitializedYet, "the standards module has no manager cache");
@@ -140,10 +202,22 @@ DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, Draw
   }
   if (!standards.empty()) manager->setRunStandardsFiles(standards);
   std::error_code ec;
-  for (const OdString& file : manager->standardsFilesFound()) {
+  const OdArray<OdString> stored = standards.empty() ? manager->getStandardsFiles(db) : standards;
+  const OdArray<OdString> found = manager->standardsFilesFound();
+  for (unsigned i = 0; i < found.size(); ++i) {
+    const OdString& file = found[i];
     report.standards.push_back(file.toUtf8());
-    if (!std::filesystem::is_regular_file(std::filesystem::path(file.toUtf8()), ec))
-      report.missingStandards.push_back(file.toUtf8());
+    if (std::filesystem::is_regular_file(std::filesystem::path(file.toUtf8()), ec)) continue;
+    report.missingStandards.push_back(file.toUtf8());
+    if (!report.error.empty()) continue;
+    // Say every place it was looked for, so that the user knows where to put it.
+    std::string places;
+    if (i < stored.size())
+      for (const OdString& place : st::StStandardsPaths::placesLooked(stored[i], db))
+        places += (places.empty() ? "" : ", ") + place.toUtf8();
+    report.error =
+        "standards file not found: " + (i < stored.size() ? stored[i].toUtf8() : file.toUtf8()) +
+        (places.empty() ? std::string() : " (looked for " + places + ")");
   }
   if (report.standards.empty()) {
     report.error =
@@ -151,10 +225,7 @@ DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, Draw
         "standards DRAWING --add FILE', or name them with --standard";
     return report;
   }
-  if (!report.missingStandards.empty()) {
-    report.error = "standards file not found: " + report.missingStandards.front();
-    return report;
-  }
+  if (!report.error.empty()) return report;
   for (st::StEnumDWSPluginPtr it = manager->getPlugins(); it->current(); it->next()) {
     st::StDWSPluginPtr plugin = it->current();
     report.plugins.push_back({plugin->isA()->name().toUtf8(), plugin->name().toUtf8()});
@@ -167,10 +238,14 @@ DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, Draw
   CountListener counts;
   manager->addReactor(&counts);
   g_problems = &report.problems;
+  const bool fixing = options_.fix && notWritable.empty();
+  st::StSettingsStorage* settings = ::stSettingsStorage();
+  if (fixing != options_.fix) settings->setAutoFixProperties(fixing);
   {
     Finally detach([&] {
       g_problems = nullptr;
       manager->removeReactor(&counts);
+      if (fixing != options_.fix) settings->setAutoFixProperties(options_.fix);
     });
     stCheckStandards();
   }
@@ -189,27 +264,50 @@ DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, Draw
     return report;
   }
   // In a silent check the manager counts only what it fixed; the rest is counted here from
-  // what it handed over.
+  // what it handed over, and problems marked ignored are listed only when asked for.
   report.counts = counts.counts;
-  report.counts.found = static_cast<std::uint32_t>(report.problems.size());
   report.counts.ignored = 0;
-  for (const ReportProblem& p : report.problems) report.counts.ignored += p.ignored() && !p.fixed;
+  report.counts.found = static_cast<std::uint32_t>(report.problems.size());
+  std::vector<ReportProblem> listed;
+  for (ReportProblem& p : report.problems) {
+    if (p.ignored() && !p.fixed) ++report.counts.ignored;
+    if (!p.ignored() || p.fixed || options_.showIgnored) listed.push_back(std::move(p));
+  }
+  report.problems = std::move(listed);
 
+  if (!notWritable.empty()) {
+    if (report.remaining() > 0) report.notFixed = notWritable;
+    return report;
+  }
   bool fixedSome = false;
   for (const ReportProblem& p : report.problems) fixedSome |= p.fixed;
-  if (options_.fix && fixedSome) {
-    std::filesystem::path bak = backupPath(absolute);
-    std::filesystem::copy_file(absolute, bak, std::filesystem::copy_options::overwrite_existing,
-                               ec);
-    if (ec) {
-      report.error = "cannot keep the original as " + bak.string() + ": " + ec.message() +
-                     "; the drawing was not written";
-      return report;
+  if (fixing && fixedSome) {
+    try {
+      writeFixed(*doc, *lock, absolute);
+      report.backup = (drawing.parent_path() / BackupName::of(absolute).filename()).string();
+    } catch (const OdError& e) {
+      forgetFixes(report);
+      report.notFixed = e.description().toUtf8();
     }
-    module_->host().app().documents().saveDocument(doc);
-    report.backup = backupPath(drawing).string();
   }
   return report;
+}
+
+void CheckSession::writeFixed(HostDocument& doc, const DrawingLock& lock,
+                              const std::filesystem::path& drawing) {
+  // The original is kept from the bytes that were checked, not from the file as it is now;
+  // it is put in place only when the fixed drawing is complete and about to replace the
+  // original, so a failure or a kill on the way leaves both files as they were.
+  OdAtomicFile::Options keep;
+  keep.attributes = lock.stamp();
+  OdAtomicFile backup(BackupName::of(drawing), keep);
+  backup.write(doc.database()->originalBytes());
+  backup.prepare();
+  OdAtomicFile::Options replace;
+  replace.expected = lock.stamp();
+  replace.attributes = lock.stamp();
+  replace.beforeRename = [&] { backup.commit(); };
+  module_->host().app().documents().saveDocument(&doc, OdString(), replace);
 }
 
 }  // namespace stcheck

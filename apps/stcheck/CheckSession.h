@@ -2,14 +2,18 @@
 
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "CheckReport.h"
 
+class HostDocument;
+
 namespace stcheck {
 
 class ModuleHost;
+class DrawingLock;
 
 struct CheckOptions {
   std::vector<std::string> paths;
@@ -44,8 +48,12 @@ class CheckSession {
 
  private:
   DrawingReport checkOpen(const std::filesystem::path& drawing, DrawingReport& report);
+  // Writes the fixed drawing over `drawing`, keeping the original as its backup; throws
+  // OdError naming the file and the reason, and then both files are as they were.
+  void writeFixed(HostDocument& doc, const DrawingLock& lock, const std::filesystem::path& drawing);
 
   CheckOptions options_;
+  std::set<std::filesystem::path> swept_;  // folders already rid of stale temporary files
   std::unique_ptr<ModuleHost> module_;
 };
 

@@ -6,8 +6,10 @@
 #include <exception>
 
 #include "StcheckCommands.h"
+#include "StopSignals.h"
 
 int main(int argc, char** argv) {
+  stcheck::StopSignals::install();
   CLI::App app{"stcheck: check drawings against their drawing standards", "stcheck"};
   app.set_version_flag("--version", std::string("stcheck ") + STAUDIT_VERSION);
   app.require_subcommand(0, 1);

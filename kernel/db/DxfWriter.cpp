@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "DxfGroupCode.h"
+#include "OdAtomicFile.h"
 #include "OdError.h"
 
 namespace {
@@ -335,38 +336,10 @@ void DxfWriter::writeAll(Sink& sink) const {
   sink.flush();
 }
 
-void DxfWriter::save(const std::filesystem::path& path) const {
-  const std::string name = path.string();
-  std::filesystem::path folder = path.parent_path();
-  if (folder.empty()) folder = ".";
-  std::string pattern = (folder / ("." + path.filename().string() + ".XXXXXX")).string();
-  int fd = ::mkstemp(pattern.data());
-  if (fd < 0) throw OdError(eFileWriteError, "cannot write " + name + ": " + errnoText());
-  const std::string tempName = pattern;
-  try {
-    Sink sink(fd, name);
-    writeAll(sink);
-    // The new file takes over the permissions of the one it replaces; a new file gets the
-    // usual ones rather than the private mode of a temporary file.
-    struct stat existing {};
-    mode_t mode = 0;
-    if (::stat(path.c_str(), &existing) == 0) {
-      mode = existing.st_mode & 07777;
-    } else {
-      mode_t mask = ::umask(0);
-      ::umask(mask);
-      mode = 0666 & ~mask;
-    }
-    if (::fchmod(fd, mode) != 0 || ::fsync(fd) != 0)
-      throw OdError(eFileWriteError, "cannot write " + name + ": " + errnoText());
-    int closed = ::close(fd);
-    fd = -1;
-    if (closed != 0) throw OdError(eFileWriteError, "cannot write " + name + ": " + errnoText());
-    if (::rename(tempName.c_str(), path.c_str()) != 0)
-      throw OdError(eFileWriteError, "cannot replace " + name + ": " + errnoText());
-  } catch (...) {
-    if (fd >= 0) ::close(fd);
-    ::unlink(tempName.c_str());
-    throw;
-  }
+void DxfWriter::save(const std::filesystem::path& path,
+                     const OdAtomicFile::Options& options) const {
+  OdAtomicFile file(path, options);
+  Sink sink(file.descriptor(), path.string());
+  writeAll(sink);
+  file.commit();
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "DxfDocument.h"
+#include "OdAtomicFile.h"
 
 // Writes a DxfDocument as a DXF file.
 //
@@ -29,12 +30,11 @@ class DxfWriter {
   // in the target format (a string holding "^@", a NUL, converted to binary).
   std::string toBytes() const;
 
-  // Saves to `path` without ever leaving it damaged: the file is written to a temporary file
-  // in the same folder, flushed to disk and then renamed over `path` (taking over the
-  // permissions of the file it replaces). On any failure the temporary file is removed, the
-  // old file is left as it was and OdError(eFileWriteError) says what failed where (or
-  // eBadDxfFile as for toBytes).
-  void save(const std::filesystem::path& path) const;
+  // Saves to `path` without ever leaving it damaged, through OdAtomicFile with `options`
+  // (by default the new file keeps the owner, group and permissions of the one it replaces).
+  // On any failure the old file is left as it was and OdError(eFileWriteError) says what
+  // failed where (or eBadDxfFile as for toBytes).
+  void save(const std::filesystem::path& path, const OdAtomicFile::Options& options = {}) const;
 
  private:
   class Sink;

@@ -63,15 +63,20 @@ std::optional<DxfFormat> formatOf(std::optional<bool> binary) {
 }
 }  // namespace
 
-void OdDbDatabase::writeFile(const std::filesystem::path& path, std::optional<bool> binary) {
+void OdDbDatabase::writeFile(const std::filesystem::path& path, std::optional<bool> binary,
+                             const OdAtomicFile::Options& options) {
   impl_->prepareSave();
-  DxfWriter(impl_->doc(), formatOf(binary)).save(path);
+  DxfWriter(impl_->doc(), formatOf(binary)).save(path, options);
   impl_->fileName = path.string();
 }
 
 std::string OdDbDatabase::writeBuffer(std::optional<bool> binary) {
   impl_->prepareSave();
   return DxfWriter(impl_->doc(), formatOf(binary)).toBytes();
+}
+
+std::string_view OdDbDatabase::originalBytes() const {
+  return impl_->doc().bytes();
 }
 
 OdString OdDbDatabase::getFilename() const {

@@ -5,9 +5,11 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "OdAtomicFile.h"
 #include "OdDbIdMapping.h"
 #include "OdDbObjectId.h"
 #include "OdResBuf.h"
@@ -46,12 +48,16 @@ class OdDbDatabase : public OdRxObject {
 
   // Saves to `path` in the drawing's own release and form, or in the other form when
   // `binary` says so; the drawing's file name becomes `path`. Erased objects are left out.
-  // The old file is replaced only once the new one is complete; failures throw OdError
-  // (eFileWriteError naming the path).
-  void writeFile(const std::filesystem::path& path, std::optional<bool> binary = std::nullopt);
+  // The old file is replaced only once the new one is complete, as OdAtomicFile does with
+  // `options`; failures throw OdError (eFileWriteError naming the path and the reason).
+  void writeFile(const std::filesystem::path& path, std::optional<bool> binary = std::nullopt,
+                 const OdAtomicFile::Options& options = {});
   // The bytes writeFile would write.
   std::string writeBuffer(std::optional<bool> binary = std::nullopt);
 
+  // The bytes the drawing was read from (its file or buffer; for a new drawing, the
+  // built-in empty drawing), as read, whatever changed since. Valid while the database lives.
+  std::string_view originalBytes() const;
   // The file the drawing was read from or last saved to (empty for a new drawing).
   OdString getFilename() const;
   // $ACADVER as read ("AC1032"; empty when the file has none).

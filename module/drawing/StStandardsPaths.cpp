@@ -36,31 +36,41 @@ bool StStandardsPaths::isAbsolute(const OdString& path) {
   return path.getLength() >= 2 && std::iswalpha(static_cast<wint_t>(path[0])) && path[1] == L':';
 }
 
-OdString StStandardsPaths::resolve(const OdString& stored, const OdDbDatabase* drawing) {
-  if (stored.isEmpty() || isAbsolute(stored)) return stored;
+OdArray<OdString> StStandardsPaths::placesLooked(const OdString& stored,
+                                                 const OdDbDatabase* drawing) {
+  OdArray<OdString> places;
+  if (stored.isEmpty() || isAbsolute(stored)) {
+    if (!stored.isEmpty()) places.push_back(stored);
+    return places;
+  }
   OdString relative = stored;
   relative.replace(L"\\", L"/");
   const fs::path name = toPath(relative);
-
-  std::vector<fs::path> folders;
-  fs::path drawingFolder;
   if (drawing) {
     const OdString file = drawing->getFilename();
     if (!file.isEmpty()) {
       std::error_code ec;
-      drawingFolder = fs::absolute(toPath(file), ec).parent_path();
-      folders.push_back(drawingFolder);
+      places.push_back(fromPath(fs::absolute(toPath(file), ec).parent_path() / name));
     }
   }
   try {
     if (HostServices* host = hostServices())
-      for (const OdString& folder : host->supportFolders()) folders.push_back(toPath(folder));
+      for (const OdString& folder : host->supportFolders())
+        places.push_back(fromPath(toPath(folder) / name));
   } catch (...) {
     // A host that cannot say where its support folders are has none to search.
   }
-  for (const fs::path& folder : folders)
-    if (isFile(folder / name)) return fromPath(folder / name);
-  return drawingFolder.empty() ? stored : fromPath(drawingFolder / name);
+  return places;
+}
+
+OdString StStandardsPaths::resolve(const OdString& stored, const OdDbDatabase* drawing) {
+  if (stored.isEmpty() || isAbsolute(stored)) return stored;
+  const OdArray<OdString> places = placesLooked(stored, drawing);
+  for (const OdString& place : places)
+    if (isFile(toPath(place))) return place;
+  // Not found: where it was looked for first, when there is a drawing folder to name.
+  const bool inDrawingFolder = drawing && !drawing->getFilename().isEmpty();
+  return inDrawingFolder && !places.isEmpty() ? places[0] : stored;
 }
 
 OdArray<OdString> StStandardsPaths::resolveAll(const OdArray<OdString>& stored,

@@ -21,6 +21,9 @@ class ST_EXPORT StStandardsPaths {
  public:
   // The file `stored` names for `drawing` (null: no drawing folder). Never throws.
   static OdString resolve(const OdString& stored, const OdDbDatabase* drawing);
+  // Where `stored` is looked for, in order: the path itself when absolute, else the drawing's
+  // folder (when it has a file) and each support folder. Empty for an empty path.
+  static OdArray<OdString> placesLooked(const OdString& stored, const OdDbDatabase* drawing);
   // Each of `stored`, resolved, in order.
   static OdArray<OdString> resolveAll(const OdArray<OdString>& stored, const OdDbDatabase* drawing);
   // True for a path starting with '/' or '\', or with a drive letter and ':'.

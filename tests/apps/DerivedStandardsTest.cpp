@@ -66,7 +66,7 @@ std::string fixAgainstDerivedStandard(const fs::path& original, const fs::path& 
                                       std::string& skipped) {
   const fs::path config = folder / "config.json";
   const fs::path drawing = folder / original.filename();
-  fs::copy_file(original, drawing);
+  testsupport::copyWorkingCopy(original, drawing);
   if (runStcheckIn(folder, config, {"info", drawing.string()}).exitCode != 0) {
     skipped = "the kernel refuses it";
     return "";

@@ -46,7 +46,7 @@ TEST(StcheckStandardsFiles, OldDrawingsAreCheckedAgainstStandardsOfTheRunOnly) {
   testsupport::TempDir temp;
   const fs::path config = temp.path() / "config.json";
   const fs::path r12 = temp.path() / "meter.dxf";
-  fs::copy_file(testsupport::corpusDir() / "r12_ezdxf_laser_meter_export.dxf", r12);
+  testsupport::copyWorkingCopy(testsupport::corpusDir() / "r12_ezdxf_laser_meter_export.dxf", r12);
   const std::string original = readBytes(r12);
   fs::copy_file(fs::path(STAUDIT_SOURCE_DIR) / "examples/office-standards.dws",
                 temp.path() / "office.dws");
@@ -59,8 +59,8 @@ TEST(StcheckStandardsFiles, OldDrawingsAreCheckedAgainstStandardsOfTheRunOnly) {
   EXPECT_NE(run.output.find("--standard"), std::string::npos) << run.output;
   EXPECT_EQ(readBytes(r12), original);
   // Nor can a later drawing written without its objects section.
-  fs::copy_file(testsupport::corpusDir() / "r2000_cadviewer_minimal_line.dxf",
-                temp.path() / "line.dxf");
+  testsupport::copyWorkingCopy(testsupport::corpusDir() / "r2000_cadviewer_minimal_line.dxf",
+                               temp.path() / "line.dxf");
   run = runStcheckIn(temp.path(), config, {"standards", "line.dxf", "--add", "office.dws"});
   EXPECT_EQ(run.exitCode, 2) << run.output;
   EXPECT_NE(run.output.find("no named-object dictionary"), std::string::npos) << run.output;
@@ -72,7 +72,7 @@ TEST(StcheckStandardsFiles, ChangingTheListTouchesOnlyTheEntriesThatChangeAndAFi
   const fs::path config = temp.path() / "config.json";
   // Its codes are padded unevenly, so any object written anew would show.
   const fs::path original = testsupport::corpusDir() / "r2004_dxfvuer_city_map_export.dxf";
-  fs::copy_file(original, temp.path() / "plan.dxf");
+  testsupport::copyWorkingCopy(original, temp.path() / "plan.dxf");
   for (const char* name : {"a.dws", "b.dws", "c.dws"})
     fs::copy_file(fs::path(STAUDIT_SOURCE_DIR) / "examples/office-standards.dws",
                   temp.path() / name);

@@ -81,6 +81,14 @@ inline std::filesystem::path corpusDir() {
   return std::filesystem::is_directory(dir) ? dir : std::filesystem::path();
 }
 
+// A user's working copy of a drawing: copied, and writable by its owner whatever the source
+// allows (the corpus is read-only, and --fix refuses read-only drawings).
+inline void copyWorkingCopy(const std::filesystem::path& from, const std::filesystem::path& to) {
+  std::filesystem::copy_file(from, to, std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::permissions(to, std::filesystem::perms::owner_write,
+                               std::filesystem::perm_options::add);
+}
+
 // Every .dxf of the corpus, sorted by name.
 inline std::vector<std::filesystem::path> corpusDrawings() {
   std::vector<std::filesystem::path> files;

@@ -12,7 +12,7 @@ std::size_t DrawingReport::remaining() const {
 int CheckReport::exitCode() const {
   bool problems = false;
   for (const DrawingReport& d : drawings) {
-    if (d.failed()) return 2;
+    if (d.failed() || !d.notFixed.empty()) return 2;
     if (d.remaining() > 0) problems = true;
   }
   return problems ? 1 : 0;

@@ -82,6 +82,9 @@ struct DrawingReport {
   std::string error;
   // Set when --fix wrote the drawing back: where the original was kept.
   std::string backup;
+  // Why --fix did not write the drawing although it was checked (it is read-only, the disk is
+  // full, it changed on disk meanwhile); its problems are then reported as found, unfixed.
+  std::string notFixed;
 
   bool failed() const { return !error.empty(); }
   std::size_t remaining() const;
@@ -92,7 +95,7 @@ struct CheckReport {
   std::vector<DrawingReport> drawings;
 
   // The exit status a run with this report ends with: 2 when some drawing could not be read
-  // or checked, else 1 when some problem remains, else 0.
+  // or checked, or --fix could not write it, else 1 when some problem remains, else 0.
   int exitCode() const;
 };
 

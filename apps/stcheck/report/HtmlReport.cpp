@@ -142,6 +142,7 @@ void writeDrawing(std::ostringstream& out, const DrawingReport& d, std::size_t i
   for (const std::string& missing : d.missingStandards)
     out << "<p class=\"error\">Missing standards file: " << e(missing) << "</p>\n";
   if (!d.backup.empty()) out << "<p class=\"small\">Original kept as " << e(d.backup) << "</p>\n";
+  if (!d.notFixed.empty()) out << "<p class=\"error\">Not fixed: " << e(d.notFixed) << "</p>\n";
   if (d.problems.empty()) {
     out << "<p class=\"fixed\">No problems.</p>\n";
     return;

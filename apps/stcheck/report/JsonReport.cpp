@@ -49,6 +49,7 @@ ordered drawingJson(const DrawingReport& d) {
   j["remaining"] = d.remaining();
   j["error"] = d.error.empty() ? ordered() : ordered(d.error);
   j["backup"] = d.backup.empty() ? ordered() : ordered(d.backup);
+  j["notFixed"] = d.notFixed.empty() ? ordered() : ordered(d.notFixed);
   j["problems"] = ordered::array();
   for (const ReportProblem& p : d.problems) j["problems"].push_back(problemJson(p));
   return j;
@@ -153,6 +154,7 @@ DrawingReport JsonReport::drawingFromJson(const nlohmann::json& j) {
   d.counts.ignored = count(counts, "ignored");
   d.error = text(j, "error");
   d.backup = text(j, "backup");
+  d.notFixed = text(j, "notFixed");
   for (const nlohmann::json& p : list(j, "problems")) d.problems.push_back(problemFromJson(p));
   return d;
 }

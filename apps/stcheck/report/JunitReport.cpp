@@ -23,6 +23,7 @@ SuiteCounts countSuite(const DrawingReport& d) {
     c.tests = c.errors = 1;
     return c;
   }
+  if (!d.notFixed.empty()) ++c.tests, ++c.errors;
   std::set<std::string> reporting;
   for (const ReportProblem& p : d.problems) {
     ++c.tests;
@@ -98,6 +99,10 @@ std::string JunitReport::write(const CheckReport& report) {
           out << "    <testcase classname=\"" << e(p.className) << "\" name=\""
               << e(p.name.empty() ? p.className : p.name) << ": no problems\" file=\"" << e(d.path)
               << "\"/>\n";
+      if (!d.notFixed.empty())
+        out << "    <testcase classname=\"stcheck\" name=\"write fixed drawing\" file=\""
+            << e(d.path) << "\">\n      <error message=\"" << e(d.notFixed)
+            << "\"/>\n    </testcase>\n";
     }
     out << "  </testsuite>\n";
   }

@@ -96,6 +96,14 @@ std::string SarifReport::write(const CheckReport& report) {
       continue;
     }
     for (const ReportProblem& p : d.problems) results.push_back(result(d, p, ruleIndex[p.plugin]));
+    if (!d.notFixed.empty()) {
+      allRead = false;
+      ordered n;
+      n["level"] = "error";
+      n["message"]["text"] = "not fixed: " + d.notFixed;
+      n["locations"] = ordered::array({location(d, nullptr)});
+      notifications.push_back(n);
+    }
   }
 
   ordered run;

@@ -101,7 +101,9 @@ void writeDrawing(std::ostringstream& out, const DrawingReport& d, const Painter
       << (remaining ? paint.red(std::to_string(remaining) + " remaining")
                     : paint.green("0 remaining"));
   if (!d.backup.empty()) out << "; original kept as " << d.backup;
-  out << "\n\n";
+  out << "\n";
+  if (!d.notFixed.empty()) out << "  " << paint.red("not fixed: ") << d.notFixed << "\n";
+  out << "\n";
 }
 
 }  // namespace

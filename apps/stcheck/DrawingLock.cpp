@@ -1,0 +1,54 @@
+#include "DrawingLock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "OdError.h"
+
+namespace stcheck {
+
+DrawingLock::DrawingLock(const std::filesystem::path& drawing) : drawing_(drawing) {
+  // A run that held the lock before may have put a new file at the name; the lock of the file
+  // it replaced holds nothing, so the name is opened again until the locked file is the one
+  // the name leads to.
+  for (;;) {
+    fd_ = ::open(drawing.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (fd_ < 0) {
+      const int error = errno;
+      throw OdError(eFileAccessError, drawing.string() + ": cannot open it to fix it: " +
+                                          (error == ELOOP ? std::string("it is a symbolic link")
+                                                          : std::string(std::strerror(error))));
+    }
+    std::optional<OdFileStamp> open = OdFileStamp::ofOpen(fd_);
+    if (!open || !open->isRegularFile()) {
+      ::close(fd_);
+      fd_ = -1;
+      throw OdError(eFileAccessError, drawing.string() + ": not a regular file");
+    }
+    while (::flock(fd_, LOCK_EX) != 0 && errno == EINTR) {
+    }
+    std::optional<OdFileStamp> locked = OdFileStamp::ofOpen(fd_);
+    std::optional<OdFileStamp> named = OdFileStamp::of(drawing);
+    if (locked && named && named->device == locked->device && named->inode == locked->inode) {
+      stamp_ = *locked;
+      return;
+    }
+    ::close(fd_);
+    fd_ = -1;
+  }
+}
+
+DrawingLock::~DrawingLock() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+bool DrawingLock::unchanged() const {
+  std::optional<OdFileStamp> now = OdFileStamp::of(drawing_);
+  return now && now->sameState(stamp_);
+}
+
+}  // namespace stcheck
