@@ -1,6 +1,8 @@
 #include "OdAtomicFile.h"
 
 #include <fcntl.h>
+#include <pthread.h>
+#include <signal.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -57,13 +59,17 @@ OdAtomicFile::OdAtomicFile(std::filesystem::path target, Options options)
       (folderOf(target_) / ("." + shortened(target_.filename().string(), kNameBytes) + ".XXXXXX" +
                             std::string(kSuffix)))
           .string();
+  // No signal may end the process between making the file and registering it, or its
+  // handler would not know the file to remove.
+  sigset_t all, before;
+  sigfillset(&all);
+  ::pthread_sigmask(SIG_BLOCK, &all, &before);
   fd_ = ::mkostemps(pattern.data(), static_cast<int>(kSuffix.size()), O_CLOEXEC);
-  if (fd_ < 0) {
-    const int error = errno;
-    fail(error, "cannot create a temporary file in " + folderOf(target_).string());
-  }
+  const int error = errno;
+  if (fd_ >= 0) registration_ = OdTempFiles::add(pattern);
+  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  if (fd_ < 0) fail(error, "cannot create a temporary file in " + folderOf(target_).string());
   temp_ = pattern;
-  registration_ = OdTempFiles::add(temp_);
   // Held for the writer's life: a sweep that can lock the file knows its writer is gone.
   ::flock(fd_, LOCK_EX | LOCK_NB);
 }

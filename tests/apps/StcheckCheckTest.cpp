@@ -301,6 +301,7 @@ TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsP
   fs::copy_file(project.file("floor-plan.dxf"), project.file("plans/a.dxf"));
   fs::copy_file(project.file("floor-plan.dxf"), project.file("plans/level-1/b.DXF"));
   std::ofstream(project.file("plans/broken.dxf")) << "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\n";
+  std::ofstream(project.file("plans/empty.dxf"));
   const int line = copyWithForeignRecord(project.file("floor-plan.dxf"),
                                          project.file("plans/foreign.dxf"), "LAYER");
   const std::string fault = "foreign.dxf: line " + std::to_string(line) +
@@ -320,6 +321,7 @@ TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsP
   auto summary = Project::python(kSummarise, {project.file("one.json").string()});
   EXPECT_NE(summary.output.find("drawing a.dxf 10 9 False"), std::string::npos) << summary.output;
   EXPECT_NE(summary.output.find("drawing broken.dxf 0 0 True"), std::string::npos);
+  EXPECT_NE(summary.output.find("drawing empty.dxf 0 0 True"), std::string::npos);
   EXPECT_NE(summary.output.find("drawing b.DXF 10 9 False"), std::string::npos);
   EXPECT_NE(summary.output.find("drawing foreign.dxf 0 0 True"), std::string::npos);
   EXPECT_EQ(summary.output.find("notes.txt"), std::string::npos);
