@@ -12,7 +12,6 @@
 #include <ctime>
 #include <fstream>
 #include <limits>
-#include <sstream>
 #include <system_error>
 
 namespace fs = std::filesystem;
@@ -106,26 +105,43 @@ std::optional<OdVariant> decodeValue(const Json& stored) {
   return std::nullopt;
 }
 
+// `name` as a JSON string: quoted, with control characters escaped, so a message about it
+// stays on one line whatever the file holds.
+std::string quoted(const std::string& name) {
+  return Json(name).dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
 // Describes the first way `key` departs from the layout, or returns empty. `where` names
 // the key for the message.
 std::string checkKey(const Json& key, const std::string& where) {
   if (!key.is_object()) return where + " is not an object";
   for (const auto& [member, v] : key.items()) {
     if (member != "keys" && member != "values")
-      return where + " has an unknown member \"" + member + "\"";
+      return where + " has an unknown member " + quoted(member);
   }
   auto keys = key.find("keys");
   auto values = key.find("values");
   if (keys == key.end() || !keys->is_object()) return where + " lacks its \"keys\" object";
   if (values == key.end() || !values->is_object()) return where + " lacks its \"values\" object";
   for (const auto& [name, v] : values->items()) {
-    if (!decodeValue(v)) return "value \"" + name + "\" of " + where + " is not a typed value";
+    if (!decodeValue(v)) return "value " + quoted(name) + " of " + where + " is not a typed value";
   }
   for (const auto& [name, sub] : keys->items()) {
-    std::string error = checkKey(sub, "key \"" + name + "\"");
+    std::string error = checkKey(sub, "key " + quoted(name));
     if (!error.empty()) return error;
   }
   return {};
+}
+
+// The parser's message without its "[json.exception...] " prefix, on one line.
+std::string parserMessage(const Json::exception& e) {
+  std::string text = e.what();
+  if (text.starts_with("[json.exception.")) {
+    if (std::size_t end = text.find("] "); end != std::string::npos) text.erase(0, end + 2);
+  }
+  for (char& c : text)
+    if (static_cast<unsigned char>(c) < 0x20) c = ' ';
+  return text;
 }
 
 std::string utcTimestamp() {
@@ -192,6 +208,40 @@ std::shared_ptr<HostConfigTree> HostConfigTree::open(const fs::path& file) {
   return tree;
 }
 
+std::shared_ptr<HostConfigTree> HostConfigTree::openDetached(const fs::path& file) {
+  auto tree = std::make_shared<HostConfigTree>(file);
+  tree->detached_ = true;
+  tree->load();
+  return tree;
+}
+
+Json HostConfigTree::parse(std::string_view bytes) {
+  constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+  if (bytes.size() > kMaxFileBytes)
+    throw FormatError("larger than " + std::to_string(kMaxFileBytes / kMegabyte) + " MB");
+  // Containers enclosing the deepest allowed one: the document, the root key, then per key
+  // level its "keys" object and the key, then the key's "values" object around a typed value.
+  constexpr int kMaxEnclosing = 2 + 2 * kMaxKeyDepth + 1;
+  auto limitDepth = [](int depth, Json::parse_event_t event, Json&) {
+    using Event = Json::parse_event_t;
+    if ((event == Event::object_start || event == Event::array_start) && depth > kMaxEnclosing)
+      throw FormatError("nested deeper than " + std::to_string(kMaxKeyDepth) + " levels");
+    return true;
+  };
+  Json doc;
+  try {
+    doc = Json::parse(bytes.begin(), bytes.end(), limitDepth);
+  } catch (const Json::exception& e) {
+    throw FormatError(parserMessage(e));
+  }
+  if (!doc.is_object() || !doc.contains("root")) throw FormatError("no \"root\" key");
+  if (!doc.contains("format") || doc["format"] != 1)
+    throw FormatError("unknown format (expected \"format\": 1)");
+  if (std::string problem = checkKey(doc["root"], "the root key"); !problem.empty())
+    throw FormatError(problem);
+  return doc;
+}
+
 fs::path HostConfigTree::defaultPath() {
   if (const char* env = std::getenv("STAUDIT_CONFIG"); env && *env) return fs::path(env);
   fs::path base;
@@ -224,31 +274,26 @@ void HostConfigTree::load() {
          ": it is not a file; using a fresh configuration");
     return;
   }
+  // Read at most one byte past the limit, so that an oversized file (even one still growing)
+  // is judged without being read whole.
+  std::string bytes;
   std::ifstream in(file_, std::ios::binary);
-  std::stringstream text;
-  if (in) text << in.rdbuf();
-  if (!in || in.bad()) {
+  char chunk[1 << 16];
+  while (in && bytes.size() <= kMaxFileBytes) {
+    in.read(chunk, sizeof chunk);
+    bytes.append(chunk, static_cast<std::size_t>(in.gcount()));
+  }
+  if (!in && !in.eof()) {
     warn("cannot read configuration file " + file_.string() + ": " + systemError(errno) +
          "; using a fresh configuration");
     return;
   }
   std::string problem;
-  Json doc;
   try {
-    doc = Json::parse(text.str());
-    if (!doc.is_object() || !doc.contains("root")) {
-      problem = "no \"root\" key";
-    } else if (!doc.contains("format") || doc["format"] != 1) {
-      problem = "unknown format (expected \"format\": 1)";
-    } else {
-      problem = checkKey(doc["root"], "the root key");
-    }
-  } catch (const Json::parse_error& e) {
-    problem = e.what();
-  }
-  if (problem.empty()) {
-    doc_ = std::move(doc);
+    doc_ = parse(bytes);
     return;
+  } catch (const FormatError& e) {
+    problem = e.what();
   }
   fs::path aside = file_.string() + ".corrupt-" + utcTimestamp();
   for (int n = 2; fs::exists(aside); ++n)
@@ -354,6 +399,7 @@ HostConfigTree::Batch::~Batch() {
 }
 
 bool HostConfigTree::save() {
+  if (detached_) return true;
   if (file_.empty()) return false;
   std::string error = replaceFileAtomically(file_, doc_.dump(2) + "\n");
   if (!error.empty() && error != lastSaveError_)
