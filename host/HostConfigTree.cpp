@@ -13,6 +13,9 @@
 #include <fstream>
 #include <limits>
 #include <system_error>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -144,6 +147,87 @@ std::string parserMessage(const Json::exception& e) {
   return text;
 }
 
+// Builds a document from the parser's events, the way the plain parser does (a repeated name
+// keeps its first place and takes its last value), with two differences that bound the work
+// any file can cause: a container nested deeper than `maxEnclosing` containers stops the parse
+// before it is built, and names are found through a hash index, since the document's own
+// object type looks names up one by one and would make a key with many entries quadratic.
+class DocumentBuilder {
+ public:
+  using Object = Json::object_t;
+  // The object type is an ordered vector of pairs; appending to it directly is what its own
+  // insertion does after its linear search.
+  using Entries = Object::Container;
+
+  explicit DocumentBuilder(std::size_t maxEnclosing, std::string tooDeep)
+      : maxEnclosing_(maxEnclosing), tooDeep_(std::move(tooDeep)) {}
+
+  Json& document() { return doc_; }
+
+  bool null() { return place(nullptr), true; }
+  bool boolean(bool v) { return place(v), true; }
+  bool number_integer(Json::number_integer_t v) { return place(v), true; }
+  bool number_unsigned(Json::number_unsigned_t v) { return place(v), true; }
+  bool number_float(Json::number_float_t v, const std::string&) { return place(v), true; }
+  bool string(std::string& v) { return place(std::move(v)), true; }
+  bool binary(Json::binary_t& v) { return place(Json::binary(std::move(v))), true; }
+  bool start_object(std::size_t) { return open(Json::object()); }
+  bool start_array(std::size_t) { return open(Json::array()); }
+  bool key(std::string& name) {
+    key_ = std::move(name);
+    return true;
+  }
+  bool end_object() { return close(); }
+  bool end_array() { return close(); }
+  bool parse_error(std::size_t, const std::string&, const Json::exception& e) {
+    throw HostConfigTree::FormatError(parserMessage(e));
+  }
+
+ private:
+  struct Open {
+    Json* container;
+    std::unordered_map<std::string, std::size_t> index;  // names of an object, to their place
+  };
+
+  Json* place(Json&& value) {
+    if (open_.empty()) {
+      doc_ = std::move(value);
+      return &doc_;
+    }
+    Open& top = open_.back();
+    if (top.container->is_array()) {
+      auto& items = top.container->get_ref<Json::array_t&>();
+      items.push_back(std::move(value));
+      return &items.back();
+    }
+    auto& entries = static_cast<Entries&>(top.container->get_ref<Object&>());
+    auto [at, fresh] = top.index.try_emplace(key_, entries.size());
+    if (fresh) {
+      entries.emplace_back(std::move(key_), std::move(value));
+      return &entries.back().second;
+    }
+    entries[at->second].second = std::move(value);
+    return &entries[at->second].second;
+  }
+  // Containers below the one being filled are not touched until it closes, so the pointers
+  // kept to them stay valid.
+  bool open(Json&& container) {
+    if (open_.size() > maxEnclosing_) throw HostConfigTree::FormatError(tooDeep_);
+    open_.push_back({place(std::move(container)), {}});
+    return true;
+  }
+  bool close() {
+    open_.pop_back();
+    return true;
+  }
+
+  std::size_t maxEnclosing_;
+  std::string tooDeep_;
+  Json doc_;
+  std::vector<Open> open_;
+  std::string key_;
+};
+
 std::string utcTimestamp() {
   std::time_t now = std::time(nullptr);
   std::tm utc{};
@@ -221,19 +305,10 @@ Json HostConfigTree::parse(std::string_view bytes) {
     throw FormatError("larger than " + std::to_string(kMaxFileBytes / kMegabyte) + " MB");
   // Containers enclosing the deepest allowed one: the document, the root key, then per key
   // level its "keys" object and the key, then the key's "values" object around a typed value.
-  constexpr int kMaxEnclosing = 2 + 2 * kMaxKeyDepth + 1;
-  auto limitDepth = [](int depth, Json::parse_event_t event, Json&) {
-    using Event = Json::parse_event_t;
-    if ((event == Event::object_start || event == Event::array_start) && depth > kMaxEnclosing)
-      throw FormatError("nested deeper than " + std::to_string(kMaxKeyDepth) + " levels");
-    return true;
-  };
-  Json doc;
-  try {
-    doc = Json::parse(bytes.begin(), bytes.end(), limitDepth);
-  } catch (const Json::exception& e) {
-    throw FormatError(parserMessage(e));
-  }
+  DocumentBuilder builder(2 + 2 * kMaxKeyDepth + 1,
+                          "nested deeper than " + std::to_string(kMaxKeyDepth) + " levels");
+  Json::sax_parse(bytes.begin(), bytes.end(), &builder);
+  Json doc = std::move(builder.document());
   if (!doc.is_object() || !doc.contains("root")) throw FormatError("no \"root\" key");
   if (!doc.contains("format") || doc["format"] != 1)
     throw FormatError("unknown format (expected \"format\": 1)");

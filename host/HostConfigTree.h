@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -61,7 +62,8 @@ class HostConfigTree {
 
   // Parses the bytes of a configuration file into its document: valid JSON of the layout
   // above, within the limits. Depth is checked while parsing, so a deep document is never
-  // built. Throws FormatError for anything else; does no file I/O.
+  // built, and the work is linear in the size of the bytes. Throws FormatError for anything
+  // else; does no file I/O.
   static Json parse(std::string_view bytes);
 
   // Loads (or starts) the tree kept in `file`. Never throws for a bad or unreadable file: it
