@@ -77,7 +77,6 @@ class HostConfigTree {
   static std::filesystem::path defaultPath();
 
   const std::filesystem::path& file() const noexcept { return file_; }
-  bool detached() const noexcept { return detached_; }
 
   // True when the key at `path` exists (the root always does).
   bool hasKey(const Path& path) const;
