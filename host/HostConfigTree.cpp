@@ -359,6 +359,7 @@ void HostConfigTree::load() {
     bytes.append(chunk, static_cast<std::size_t>(in.gcount()));
   }
   if (!in && !in.eof()) {
+    if (!fs::exists(file_, ec)) return;  // set aside by another process since: as for a first run
     warn("cannot read configuration file " + file_.string() + ": " + systemError(errno) +
          "; using a fresh configuration");
     return;
@@ -374,6 +375,9 @@ void HostConfigTree::load() {
   for (int n = 2; fs::exists(aside); ++n)
     aside = file_.string() + ".corrupt-" + utcTimestamp() + "-" + std::to_string(n);
   fs::rename(file_, aside, ec);
+  // Gone meanwhile: another process reading the same file (stcheck's workers start together)
+  // has set it aside and said so.
+  if (ec == std::errc::no_such_file_or_directory) return;
   if (ec) {
     warn("configuration file " + file_.string() + " is corrupt (" + problem +
          ") and cannot be moved aside (" + ec.message() + "); using a fresh configuration");
