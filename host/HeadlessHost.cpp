@@ -34,7 +34,8 @@ UICmdProcess* makeAnswerCommand() {
 }  // namespace
 
 HeadlessHost::HeadlessHost(const Options& options)
-    : front_(options.echo), app_(front_, HostApplication::Options{options.configFile}) {
+    : front_(options.echo),
+      app_(front_, HostApplication::Options{options.configFile, options.detachedConfig}) {
   app_.commands().add(L"ANSWER", L"HEADLESS", kHostCmdTransparent, &makeAnswerCommand);
   g_current = this;
 }

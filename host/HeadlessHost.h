@@ -22,6 +22,7 @@ class HeadlessHost {
   struct Options {
     std::filesystem::path configFile;  // empty for the default place (HostConfigTree)
     std::FILE* echo = stdout;          // where output is printed as it comes; null for none
+    bool detachedConfig = false;       // see HostApplication::Options
   };
 
   HeadlessHost() : HeadlessHost(Options{}) {}

@@ -25,8 +25,9 @@ HostFrontend& checkNoneRunning(HostFrontend& front) {
   return front;
 }
 
-std::shared_ptr<HostConfigTree> openConfig(std::filesystem::path file) {
+std::shared_ptr<HostConfigTree> openConfig(std::filesystem::path file, bool detached) {
   if (file.empty()) file = HostConfigTree::defaultPath();
+  if (detached) return HostConfigTree::openDetached(file);
   if (file.empty())
     std::fprintf(stderr,
                  "standards-audit: warning: no place for the configuration file (set "
@@ -39,7 +40,7 @@ HostApplication::HostApplication(HostFrontend& front) : HostApplication(front, O
 
 HostApplication::HostApplication(HostFrontend& front, Options options)
     : front_(checkNoneRunning(front)),
-      config_(openConfig(std::move(options.configFile))),
+      config_(openConfig(std::move(options.configFile), options.detachedConfig)),
       commandLine_(commands_, front),
       documents_([this](const OdString& line) { commandLine_.print(line + L"\n"); }) {
   appObject_ = OdRxObjectImpl<HostApp>::createObject(this);

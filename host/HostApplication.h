@@ -38,6 +38,8 @@ class HostApplication : public HostServices {
   struct Options {
     // The configuration file; empty for HostConfigTree::defaultPath().
     std::filesystem::path configFile;
+    // Read the file but never write it: changes last for this run (HostConfigTree::openDetached).
+    bool detachedConfig = false;
   };
 
   // `front` must outlive the application.

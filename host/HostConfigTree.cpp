@@ -12,8 +12,10 @@
 #include <ctime>
 #include <fstream>
 #include <limits>
-#include <sstream>
 #include <system_error>
+#include <unordered_map>
+#include <utility>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -106,27 +108,125 @@ std::optional<OdVariant> decodeValue(const Json& stored) {
   return std::nullopt;
 }
 
+// `name` as a JSON string: quoted, with control characters escaped, so a message about it
+// stays on one line whatever the file holds.
+std::string quoted(const std::string& name) {
+  return Json(name).dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
 // Describes the first way `key` departs from the layout, or returns empty. `where` names
 // the key for the message.
 std::string checkKey(const Json& key, const std::string& where) {
   if (!key.is_object()) return where + " is not an object";
   for (const auto& [member, v] : key.items()) {
     if (member != "keys" && member != "values")
-      return where + " has an unknown member \"" + member + "\"";
+      return where + " has an unknown member " + quoted(member);
   }
   auto keys = key.find("keys");
   auto values = key.find("values");
   if (keys == key.end() || !keys->is_object()) return where + " lacks its \"keys\" object";
   if (values == key.end() || !values->is_object()) return where + " lacks its \"values\" object";
   for (const auto& [name, v] : values->items()) {
-    if (!decodeValue(v)) return "value \"" + name + "\" of " + where + " is not a typed value";
+    if (!decodeValue(v)) return "value " + quoted(name) + " of " + where + " is not a typed value";
   }
   for (const auto& [name, sub] : keys->items()) {
-    std::string error = checkKey(sub, "key \"" + name + "\"");
+    std::string error = checkKey(sub, "key " + quoted(name));
     if (!error.empty()) return error;
   }
   return {};
 }
+
+// The parser's message without its "[json.exception...] " prefix, on one line.
+std::string parserMessage(const Json::exception& e) {
+  std::string text = e.what();
+  if (text.starts_with("[json.exception.")) {
+    if (std::size_t end = text.find("] "); end != std::string::npos) text.erase(0, end + 2);
+  }
+  for (char& c : text)
+    if (static_cast<unsigned char>(c) < 0x20) c = ' ';
+  return text;
+}
+
+// Builds a document from the parser's events, the way the plain parser does (a repeated name
+// keeps its first place and takes its last value), with two differences that bound the work
+// any file can cause: a container nested deeper than `maxEnclosing` containers stops the parse
+// before it is built, and names are found through a hash index, since the document's own
+// object type looks names up one by one and would make a key with many entries quadratic.
+class DocumentBuilder {
+ public:
+  using Object = Json::object_t;
+  // The object type is an ordered vector of pairs; appending to it directly is what its own
+  // insertion does after its linear search.
+  using Entries = Object::Container;
+
+  explicit DocumentBuilder(std::size_t maxEnclosing, std::string tooDeep)
+      : maxEnclosing_(maxEnclosing), tooDeep_(std::move(tooDeep)) {}
+
+  Json& document() { return doc_; }
+
+  bool null() { return place(nullptr), true; }
+  bool boolean(bool v) { return place(v), true; }
+  bool number_integer(Json::number_integer_t v) { return place(v), true; }
+  bool number_unsigned(Json::number_unsigned_t v) { return place(v), true; }
+  bool number_float(Json::number_float_t v, const std::string&) { return place(v), true; }
+  bool string(std::string& v) { return place(std::move(v)), true; }
+  bool binary(Json::binary_t& v) { return place(Json::binary(std::move(v))), true; }
+  bool start_object(std::size_t) { return open(Json::object()); }
+  bool start_array(std::size_t) { return open(Json::array()); }
+  bool key(std::string& name) {
+    key_ = std::move(name);
+    return true;
+  }
+  bool end_object() { return close(); }
+  bool end_array() { return close(); }
+  bool parse_error(std::size_t, const std::string&, const Json::exception& e) {
+    throw HostConfigTree::FormatError(parserMessage(e));
+  }
+
+ private:
+  struct Open {
+    Json* container;
+    std::unordered_map<std::string, std::size_t> index;  // names of an object, to their place
+  };
+
+  Json* place(Json&& value) {
+    if (open_.empty()) {
+      doc_ = std::move(value);
+      return &doc_;
+    }
+    Open& top = open_.back();
+    if (top.container->is_array()) {
+      auto& items = top.container->get_ref<Json::array_t&>();
+      items.push_back(std::move(value));
+      return &items.back();
+    }
+    auto& entries = static_cast<Entries&>(top.container->get_ref<Object&>());
+    auto [at, fresh] = top.index.try_emplace(key_, entries.size());
+    if (fresh) {
+      entries.emplace_back(std::move(key_), std::move(value));
+      return &entries.back().second;
+    }
+    entries[at->second].second = std::move(value);
+    return &entries[at->second].second;
+  }
+  // Containers below the one being filled are not touched until it closes, so the pointers
+  // kept to them stay valid.
+  bool open(Json&& container) {
+    if (open_.size() > maxEnclosing_) throw HostConfigTree::FormatError(tooDeep_);
+    open_.push_back({place(std::move(container)), {}});
+    return true;
+  }
+  bool close() {
+    open_.pop_back();
+    return true;
+  }
+
+  std::size_t maxEnclosing_;
+  std::string tooDeep_;
+  Json doc_;
+  std::vector<Open> open_;
+  std::string key_;
+};
 
 std::string utcTimestamp() {
   std::time_t now = std::time(nullptr);
@@ -192,6 +292,31 @@ std::shared_ptr<HostConfigTree> HostConfigTree::open(const fs::path& file) {
   return tree;
 }
 
+std::shared_ptr<HostConfigTree> HostConfigTree::openDetached(const fs::path& file) {
+  auto tree = std::make_shared<HostConfigTree>(file);
+  tree->detached_ = true;
+  tree->load();
+  return tree;
+}
+
+Json HostConfigTree::parse(std::string_view bytes) {
+  constexpr std::size_t kMegabyte = std::size_t{1} << 20;
+  if (bytes.size() > kMaxFileBytes)
+    throw FormatError("larger than " + std::to_string(kMaxFileBytes / kMegabyte) + " MB");
+  // Containers enclosing the deepest allowed one: the document, the root key, then per key
+  // level its "keys" object and the key, then the key's "values" object around a typed value.
+  DocumentBuilder builder(2 + 2 * kMaxKeyDepth + 1,
+                          "nested deeper than " + std::to_string(kMaxKeyDepth) + " levels");
+  Json::sax_parse(bytes.begin(), bytes.end(), &builder);
+  Json doc = std::move(builder.document());
+  if (!doc.is_object() || !doc.contains("root")) throw FormatError("no \"root\" key");
+  if (!doc.contains("format") || doc["format"] != 1)
+    throw FormatError("unknown format (expected \"format\": 1)");
+  if (std::string problem = checkKey(doc["root"], "the root key"); !problem.empty())
+    throw FormatError(problem);
+  return doc;
+}
+
 fs::path HostConfigTree::defaultPath() {
   if (const char* env = std::getenv("STAUDIT_CONFIG"); env && *env) return fs::path(env);
   fs::path base;
@@ -224,36 +349,35 @@ void HostConfigTree::load() {
          ": it is not a file; using a fresh configuration");
     return;
   }
+  // Read at most one byte past the limit, so that an oversized file (even one still growing)
+  // is judged without being read whole.
+  std::string bytes;
   std::ifstream in(file_, std::ios::binary);
-  std::stringstream text;
-  if (in) text << in.rdbuf();
-  if (!in || in.bad()) {
+  char chunk[1 << 16];
+  while (in && bytes.size() <= kMaxFileBytes) {
+    in.read(chunk, sizeof chunk);
+    bytes.append(chunk, static_cast<std::size_t>(in.gcount()));
+  }
+  if (!in && !in.eof()) {
+    if (!fs::exists(file_, ec)) return;  // set aside by another process since: as for a first run
     warn("cannot read configuration file " + file_.string() + ": " + systemError(errno) +
          "; using a fresh configuration");
     return;
   }
   std::string problem;
-  Json doc;
   try {
-    doc = Json::parse(text.str());
-    if (!doc.is_object() || !doc.contains("root")) {
-      problem = "no \"root\" key";
-    } else if (!doc.contains("format") || doc["format"] != 1) {
-      problem = "unknown format (expected \"format\": 1)";
-    } else {
-      problem = checkKey(doc["root"], "the root key");
-    }
-  } catch (const Json::parse_error& e) {
-    problem = e.what();
-  }
-  if (problem.empty()) {
-    doc_ = std::move(doc);
+    doc_ = parse(bytes);
     return;
+  } catch (const FormatError& e) {
+    problem = e.what();
   }
   fs::path aside = file_.string() + ".corrupt-" + utcTimestamp();
   for (int n = 2; fs::exists(aside); ++n)
     aside = file_.string() + ".corrupt-" + utcTimestamp() + "-" + std::to_string(n);
   fs::rename(file_, aside, ec);
+  // Gone meanwhile: another process reading the same file (stcheck's workers start together)
+  // has set it aside and said so.
+  if (ec == std::errc::no_such_file_or_directory) return;
   if (ec) {
     warn("configuration file " + file_.string() + " is corrupt (" + problem +
          ") and cannot be moved aside (" + ec.message() + "); using a fresh configuration");
@@ -354,6 +478,7 @@ HostConfigTree::Batch::~Batch() {
 }
 
 bool HostConfigTree::save() {
+  if (detached_) return true;
   if (file_.empty()) return false;
   std::string error = replaceFileAtomically(file_, doc_.dump(2) + "\n");
   if (!error.empty() && error != lastSaveError_)

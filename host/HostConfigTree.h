@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -28,11 +31,15 @@
 // that fails leaves the old file as it was, removes its temporary file and prints one warning on
 // stderr naming the file and the reason (repeated only when the reason changes).
 //
-// Loading a file that is not valid JSON, or not of the layout above, renames it aside to
-// "<file>.corrupt-<UTC timestamp>" with one warning on stderr naming the file and the parse
-// error, and starts from a fresh tree. A fresh tree (also when the file does not exist) holds
-// the empty key "cmddata", where modules keep their settings; it is written at the first
-// change.
+// Loading a file that is not valid JSON, not of the layout above, or over one of the limits
+// below (kMaxKeyDepth, kMaxFileBytes) renames it aside to "<file>.corrupt-<UTC timestamp>" with
+// one warning on stderr naming the file and the problem, and starts from a fresh tree. A fresh tree
+// (also when the file does not exist) holds the empty key "cmddata", where modules keep their
+// settings; it is written at the first change.
+//
+// A detached tree (openDetached) is loaded from its file the same way, corrupt file included,
+// but keeps every change in memory: it never writes, creates or replaces its file. For runs
+// that must see the user's configuration without changing it.
 //
 // Paths are lists of key names from the root. Used from one thread at a time.
 class HostConfigTree {
@@ -40,9 +47,31 @@ class HostConfigTree {
   using Path = std::vector<std::string>;
   using Json = nlohmann::ordered_json;
 
+  // What the reader accepts, far above any real configuration (a few levels, a few kilobytes):
+  // a damaged or hostile file past these costs neither minutes nor gigabytes at every start.
+  // Key levels count keys within keys below the root ("cmddata" is level 1).
+  static constexpr int kMaxKeyDepth = 64;
+  static constexpr std::size_t kMaxFileBytes = std::size_t{16} << 20;  // 16 MB
+
+  // Why bytes are not a configuration document; what() is one lower-case line without the
+  // file's name (the caller knows it).
+  class FormatError : public std::runtime_error {
+   public:
+    using std::runtime_error::runtime_error;
+  };
+
+  // Parses the bytes of a configuration file into its document: valid JSON of the layout
+  // above, within the limits. Depth is checked while parsing, so a deep document is never
+  // built, and the work is linear in the size of the bytes. Throws FormatError for anything
+  // else; does no file I/O.
+  static Json parse(std::string_view bytes);
+
   // Loads (or starts) the tree kept in `file`. Never throws for a bad or unreadable file: it
   // warns and starts fresh as described above.
   static std::shared_ptr<HostConfigTree> open(const std::filesystem::path& file);
+  // Loads the tree kept in `file` as open() does (a corrupt file is still set aside with its
+  // warning), detached: changes stay in memory and the file is never written.
+  static std::shared_ptr<HostConfigTree> openDetached(const std::filesystem::path& file);
   // The file path chosen from the environment (see above); empty when neither STAUDIT_CONFIG,
   // XDG_CONFIG_HOME nor a home folder is known.
   static std::filesystem::path defaultPath();
@@ -70,8 +99,13 @@ class HostConfigTree {
   bool setValue(const Path& path, const std::string& name, const OdVariant& value);
   bool deleteValue(const Path& path, const std::string& name);
 
-  // Writes the tree to its file now; false with a warning when that fails.
+  // Writes the tree to its file now; false with a warning when that fails. A detached tree
+  // writes nothing and returns true.
   bool save();
+  // Why the last save failed (what its warning said after the file name); empty when it
+  // succeeded or none was made. Lets a command whose changes went through a Batch tell
+  // whether they reached the file.
+  const std::string& lastSaveError() const noexcept { return lastSaveError_; }
 
   // While a batch is open, changes stay in memory and the setters report success; when the
   // outermost batch closes, the tree is written once if anything changed. For runs of
@@ -107,4 +141,5 @@ class HostConfigTree {
   std::string lastSaveError_;
   int batchDepth_ = 0;
   bool unsaved_ = false;  // changed while a batch was open
+  bool detached_ = false;
 };

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <memory>
 
 class HeadlessHost;
@@ -15,9 +14,10 @@ class ModuleHost {
     // The user's configuration, read and written in place: for commands that change the
     // plug-in registry or the settings.
     kUser,
-    // A private copy of the user's configuration, dropped at the end: the module sees the
-    // user's registry and settings, and nothing the run changes (nor the defaults the module
-    // writes on first use) reaches the user's file.
+    // A private copy of the user's configuration, kept in memory (a detached tree): the module
+    // sees the user's registry and settings, and nothing the run changes (nor the defaults the
+    // module writes on first use) reaches the user's file, which is never created. A corrupt
+    // user file is still set aside, with a warning naming it.
     kPrivateCopy,
   };
 
@@ -30,7 +30,6 @@ class ModuleHost {
   HeadlessHost& host() { return *host_; }
 
  private:
-  std::filesystem::path privateDir_;
   std::unique_ptr<HeadlessHost> host_;
 };
 

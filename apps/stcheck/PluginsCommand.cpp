@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "HeadlessHost.h"
+#include "HostConfigTree.h"
 #include "ModuleHost.h"
 #include "OdError.h"
 #include "OdRxClass.h"
@@ -16,29 +18,39 @@ namespace stcheck {
 
 namespace {
 
-struct PluginsOptions {
-  std::vector<std::string> enable;
-  std::vector<std::string> disable;
+// One --enable or --disable word, in command-line order.
+struct Switch {
+  std::string plugin;
+  bool inUse;
 };
 
-int runPlugins(const PluginsOptions& options) {
+int runPlugins(const std::vector<Switch>& switches) {
   try {
-    ModuleHost module(ModuleHost::Config::kUser);
+    // Listing reads the user's configuration without writing it, so it creates no file.
+    ModuleHost module(switches.empty() ? ModuleHost::Config::kPrivateCopy
+                                       : ModuleHost::Config::kUser);
     st::StPluginRegistrator* registry = st::stPluginRegistrator();
-    auto known = [&](const std::string& cls) {
+    // Every name is checked before anything changes. The registry knows a plug-in by its
+    // class name in any case; the last word on each plug-in wins.
+    std::vector<std::pair<OdString, bool>> wanted;
+    for (const Switch& s : switches) {
       st::StPluginInfo info;
-      if (registry->getPluginInfo(OdString::fromUtf8(cls), info)) return true;
-      std::fprintf(stderr, "stcheck: no plug-in %s is registered (see 'stcheck plugins')\n",
-                   cls.c_str());
-      return false;
-    };
-    for (const std::string& cls : options.enable)
-      if (!known(cls)) return 2;
-    for (const std::string& cls : options.disable)
-      if (!known(cls)) return 2;
-    for (const std::string& cls : options.enable) registry->setPluginInUse(OdString::fromUtf8(cls));
-    for (const std::string& cls : options.disable)
-      registry->setPluginNotInUse(OdString::fromUtf8(cls));
+      if (!registry->getPluginInfo(OdString::fromUtf8(s.plugin), info)) {
+        std::fprintf(stderr, "stcheck: no plug-in %s is registered (see 'stcheck plugins')\n",
+                     s.plugin.c_str());
+        return 2;
+      }
+      std::erase_if(wanted, [&](const auto& w) { return w.first == info.className; });
+      wanted.emplace_back(info.className, s.inUse);
+    }
+    HostConfigTree& tree = module.host().app().configTree();
+    {
+      HostConfigTree::Batch batch(tree);
+      for (const auto& [cls, inUse] : wanted)
+        inUse ? registry->setPluginInUse(cls) : registry->setPluginNotInUse(cls);
+    }
+    // The tree has said which file it could not write, and why.
+    if (!tree.lastSaveError().empty()) return 2;
 
     for (const st::StPluginInfo& info : registry->getPluginInfos()) {
       st::StDWSPluginPtr plugin = st::StDWSPlugin::cast(odrxCreateObject(info.className).get());
@@ -59,12 +71,22 @@ int runPlugins(const PluginsOptions& options) {
 }  // namespace
 
 void PluginsCommand::add(CLI::App& app, int& exitCode) {
-  auto options = std::make_shared<PluginsOptions>();
+  auto switches = std::make_shared<std::vector<Switch>>();
   CLI::App* cmd =
       app.add_subcommand("plugins", "List the standards plug-ins, switch them on or off");
-  cmd->add_option("--enable", options->enable, "Put a plug-in (by class name) in use");
-  cmd->add_option("--disable", options->disable, "Take a plug-in (by class name) out of use");
-  cmd->callback([options, &exitCode] { exitCode = runPlugins(*options); });
+  // Each switch is recorded as it is parsed, so that their order is the command line's.
+  auto record = [switches](bool inUse) {
+    return [switches, inUse](const std::vector<std::string>& plugins) {
+      for (const std::string& p : plugins) switches->push_back({p, inUse});
+    };
+  };
+  cmd->add_option_function<std::vector<std::string>>("--enable", record(true),
+                                                     "Put a plug-in (by class name) in use")
+      ->trigger_on_parse();
+  cmd->add_option_function<std::vector<std::string>>("--disable", record(false),
+                                                     "Take a plug-in (by class name) out of use")
+      ->trigger_on_parse();
+  cmd->callback([switches, &exitCode] { exitCode = runPlugins(*switches); });
 }
 
 }  // namespace stcheck

@@ -2,9 +2,12 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "HeadlessHost.h"
+#include "HostConfigTree.h"
 #include "ModuleHost.h"
 #include "OdError.h"
 #include "StAppServices.h"
@@ -46,42 +49,93 @@ bool parseCommands(const std::string& text, unsigned& bits) {
   return true;
 }
 
+std::string lowerCase(std::string text) {
+  for (char& c : text)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return text;
+}
+
 bool parseBool(const std::string& text, bool& value) {
-  if (text == "true" || text == "on" || text == "yes" || text == "1") return value = true, true;
-  if (text == "false" || text == "off" || text == "no" || text == "0") return value = false, true;
+  const std::string word = lowerCase(text);
+  if (word == "true" || word == "on" || word == "yes" || word == "1") return value = true, true;
+  if (word == "false" || word == "off" || word == "no" || word == "0") return value = false, true;
   return false;
 }
 
-int runSettings(const std::vector<std::string>& assignments) {
-  try {
-    ModuleHost module(ModuleHost::Config::kUser);
-    st::StSettingsStorage* settings = ::stSettingsStorage();
-    for (const std::string& a : assignments) {
-      std::size_t eq = a.find('=');
-      std::string name = a.substr(0, eq);
-      std::string value = eq == std::string::npos ? std::string() : a.substr(eq + 1);
-      bool flag = false;
-      unsigned bits = 0;
-      if (eq == std::string::npos) {
-        std::fprintf(stderr, "stcheck: settings: expected NAME=VALUE, got \"%s\"\n", a.c_str());
-        return 2;
-      } else if (name == "autoFixProperties" && parseBool(value, flag)) {
-        settings->setAutoFixProperties(flag);
-      } else if (name == "showIgnoredProblems" && parseBool(value, flag)) {
-        settings->setShowIgnoredProblems(flag);
-      } else if (name == "preferredFile") {
-        settings->setPreferredFile(OdString::fromUtf8(value));
-      } else if (name == "autoFixCommands" && parseCommands(value, bits)) {
-        // Bits of commands this tool does not name are kept as they are.
-        unsigned known = 0;
-        for (const auto& entry : kCommands) known |= entry.second;
-        settings->setAutoFixCommands((settings->getAutoFixCommands() & ~known) | bits);
-      } else {
-        std::fprintf(stderr, "stcheck: settings: cannot set %s to \"%s\"\n", name.c_str(),
-                     value.c_str());
-        return 2;
-      }
+const char* const kKnown = "autoFixProperties, showIgnoredProblems, preferredFile, autoFixCommands";
+
+// The changes a command line asks for; the last assignment of a name wins.
+struct Changes {
+  std::optional<bool> autoFixProperties;
+  std::optional<bool> showIgnoredProblems;
+  std::optional<std::string> preferredFile;
+  std::optional<unsigned> autoFixCommands;
+  bool empty() const {
+    return !autoFixProperties && !showIgnoredProblems && !preferredFile && !autoFixCommands;
+  }
+};
+
+// Reads every assignment before anything is changed, so that one bad word changes nothing;
+// an empty string, or the one-line reason the command line is refused.
+std::string readAssignments(const std::vector<std::string>& assignments, Changes& changes) {
+  for (const std::string& a : assignments) {
+    const std::size_t eq = a.find('=');
+    if (eq == std::string::npos) return "expected NAME=VALUE, got \"" + a + "\"";
+    const std::string name = a.substr(0, eq);
+    const std::string value = a.substr(eq + 1);
+    bool flag = false;
+    unsigned bits = 0;
+    if (name == "autoFixProperties" || name == "showIgnoredProblems") {
+      if (!parseBool(value, flag))
+        return name + " takes true or false (yes/no, on/off, 1/0), not \"" + value + "\"";
+      (name == "autoFixProperties" ? changes.autoFixProperties : changes.showIgnoredProblems) =
+          flag;
+    } else if (name == "preferredFile") {
+      changes.preferredFile = value;
+    } else if (name == "autoFixCommands") {
+      if (!parseCommands(lowerCase(value), bits))
+        return "autoFixCommands takes a list of save, saveas, import, plot, transmit or none, "
+               "not \"" +
+               value + "\"";
+      changes.autoFixCommands = bits;
+    } else {
+      return "unknown setting " + name + " (known: " + std::string(kKnown) + ")";
     }
+  }
+  return {};
+}
+
+void apply(const Changes& changes, st::StSettingsStorage& settings) {
+  if (changes.autoFixProperties) settings.setAutoFixProperties(*changes.autoFixProperties);
+  if (changes.showIgnoredProblems) settings.setShowIgnoredProblems(*changes.showIgnoredProblems);
+  if (changes.preferredFile) settings.setPreferredFile(OdString::fromUtf8(*changes.preferredFile));
+  if (changes.autoFixCommands) {
+    // Bits of commands this tool does not name are kept as they are.
+    unsigned known = 0;
+    for (const auto& entry : kCommands) known |= entry.second;
+    settings.setAutoFixCommands((settings.getAutoFixCommands() & ~known) |
+                                *changes.autoFixCommands);
+  }
+}
+
+int runSettings(const std::vector<std::string>& assignments) {
+  Changes changes;
+  if (std::string problem = readAssignments(assignments, changes); !problem.empty()) {
+    std::fprintf(stderr, "stcheck: settings: %s\n", problem.c_str());
+    return 2;
+  }
+  try {
+    // Listing reads the user's configuration without writing it, so it creates no file.
+    ModuleHost module(changes.empty() ? ModuleHost::Config::kPrivateCopy
+                                      : ModuleHost::Config::kUser);
+    st::StSettingsStorage* settings = ::stSettingsStorage();
+    HostConfigTree& tree = module.host().app().configTree();
+    {
+      HostConfigTree::Batch batch(tree);
+      apply(changes, *settings);
+    }
+    // The tree has said which file it could not write, and why.
+    if (!tree.lastSaveError().empty()) return 2;
     std::printf("autoFixProperties=%s\n", settings->getAutoFixProperties() ? "true" : "false");
     std::printf("showIgnoredProblems=%s\n", settings->getShowIgnoredProblems() ? "true" : "false");
     std::printf("preferredFile=%s\n", settings->getPreferredFile().toUtf8().c_str());
@@ -99,8 +153,9 @@ void SettingsCommand::add(CLI::App& app, int& exitCode) {
   auto assignments = std::make_shared<std::vector<std::string>>();
   CLI::App* cmd = app.add_subcommand("settings", "Show or change the standards settings");
   cmd->add_option("NAME=VALUE", *assignments,
-                  "autoFixProperties, showIgnoredProblems (true/false), preferredFile (path), "
-                  "autoFixCommands (save,saveas,import,plot,transmit or none)");
+                  "autoFixProperties, showIgnoredProblems (true/false, any case), preferredFile "
+                  "(path), autoFixCommands (save,saveas,import,plot,transmit or none); all "
+                  "are applied, or none");
   cmd->callback([assignments, &exitCode] { exitCode = runSettings(*assignments); });
 }
 

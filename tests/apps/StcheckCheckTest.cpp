@@ -53,6 +53,14 @@ class Project {
   ProcessResult stcheck(const std::vector<std::string>& args) const {
     return testsupport::runStcheckIn(dir(), dir() / "config.json", args);
   }
+  // The same with `tmp` as the temporary folder.
+  ProcessResult stcheck(const fs::path& tmp, const std::vector<std::string>& args) const {
+    std::string line = "cd " + shellQuote(dir().string()) +
+                       " && TMPDIR=" + shellQuote(tmp.string()) + " STAUDIT_CONFIG=config.json " +
+                       shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
+    for (const auto& a : args) line += " " + shellQuote(a);
+    return runCommand(line);
+  }
 
   // Expects the JSON report `name` to follow the report schema (when jsonschema is there).
   void expectValidReport(const std::string& name) const {
@@ -444,16 +452,76 @@ TEST(StcheckCommands, StandardsPluginsAndSettingsChangeWhatTheNextCheckSees) {
   run = project.stcheck({"check", "floor-plan.dxf"});
   EXPECT_EQ(run.output.find("Layers"), std::string::npos) << run.output;
   EXPECT_NE(run.output.find("Linetypes"), std::string::npos) << run.output;
-  EXPECT_EQ(project.stcheck({"plugins", "--enable", "NoSuchPlugin"}).exitCode, 2);
 
   auto settings = project.stcheck({"settings", "autoFixCommands=save,plot"});
   EXPECT_EQ(settings.exitCode, 0);
   EXPECT_NE(settings.output.find("autoFixCommands=save,plot\n"), std::string::npos);
-  EXPECT_EQ(project.stcheck({"settings", "autoFixProperties=maybe"}).exitCode, 2);
 
   auto missing = project.stcheck({"check", "floor-plan.dxf", "--standard", "nowhere.dws"});
   EXPECT_EQ(missing.exitCode, 2);
   EXPECT_NE(missing.output.find("nowhere.dws not found"), std::string::npos);
+}
+
+// Listing never creates the configuration; a command line with one bad word changes nothing;
+// the last word on a plug-in wins; no command makes a temporary configuration folder, and a
+// corrupt configuration is named by the user's own path.
+TEST(StcheckCommands, ConfigurationChangesAllOrNothingAndOnlyWhenAsked) {
+  Project project;
+  testsupport::TempDir tmp;
+  const fs::path config = project.file("config.json");
+  const std::string known =
+      "(known: autoFixProperties, showIgnoredProblems, preferredFile, autoFixCommands)";
+  for (const auto& args : std::vector<std::vector<std::string>>{{"settings"}, {"plugins"}}) {
+    auto listed = project.stcheck(tmp.path(), args);
+    EXPECT_EQ(listed.exitCode, 0) << listed.output;
+    EXPECT_FALSE(fs::exists(config)) << args[0] << " created the configuration";
+  }
+  auto bad = project.stcheck(tmp.path(), {"settings", "autoFixProperties=TRUE", "bogus=1"});
+  EXPECT_EQ(bad.exitCode, 2);
+  EXPECT_EQ(bad.output, "stcheck: settings: unknown setting bogus " + known + "\n");
+  EXPECT_FALSE(fs::exists(config));
+
+  auto set = project.stcheck({"settings", "autoFixProperties=TRUE", "showIgnoredProblems=On"});
+  EXPECT_EQ(set.exitCode, 0) << set.output;
+  EXPECT_NE(set.output.find("autoFixProperties=true\nshowIgnoredProblems=true\n"),
+            std::string::npos)
+      << set.output;
+  const std::string saved = readBytes(config);
+  bad = project.stcheck({"settings", "autoFixProperties=No", "autoFixCommands=save,bogus"});
+  EXPECT_EQ(bad.exitCode, 2);
+  EXPECT_EQ(std::count(bad.output.begin(), bad.output.end(), '\n'), 1) << bad.output;
+  EXPECT_EQ(readBytes(config), saved) << "a refused command line changes nothing";
+  EXPECT_NE(project.stcheck({"settings", "autoFixProperties=No"})
+                .output.find("autoFixProperties=false\n"),
+            std::string::npos);
+
+  const std::vector<std::pair<std::vector<std::string>, std::string>> switches = {
+      {{"--enable", "StDWSLayerPlugin", "--disable", "stdwslayerplugin"}, "off"},
+      {{"--disable", "StDWSLayerPlugin", "--enable", "stdwslayerplugin"}, "in use"},
+  };
+  for (const auto& [words, state] : switches) {
+    std::vector<std::string> args{"plugins"};
+    args.insert(args.end(), words.begin(), words.end());
+    auto run = project.stcheck(args);
+    EXPECT_NE(run.output.find("StDWSLayerPlugin         " + state), std::string::npos)
+        << run.output;
+  }
+  const std::string plugins = readBytes(config);
+  bad = project.stcheck({"plugins", "--disable", "StDWSLayerPlugin", "--enable", "NoSuch"});
+  EXPECT_EQ(bad.exitCode, 2);
+  EXPECT_EQ(readBytes(config), plugins);
+
+  std::ofstream(config, std::ios::trunc) << "{\"format\": 1,";
+  for (const auto& args :
+       std::vector<std::vector<std::string>>{{"check", "floor-plan.dxf"}, {"settings"}}) {
+    auto run = project.stcheck(tmp.path(), args);
+    if (args[0] == "check") {
+      EXPECT_NE(run.output.find("configuration file config.json is corrupt"), std::string::npos)
+          << run.output;
+    }
+    EXPECT_FALSE(fs::exists(config)) << "set aside, and not made again by " << args[0];
+  }
+  EXPECT_TRUE(fs::is_empty(tmp.path())) << "a temporary configuration was left behind";
 }
 
 TEST(StcheckExamples, CommittedExamplesAreWhatTheScriptWrites) {

@@ -1,16 +1,19 @@
 // The configuration tree as a file on disk: kept across host runs in separate processes,
-// set aside when corrupt, never seen half-written.
+// set aside when corrupt or past the reader's limits, never seen half-written, never written
+// by a detached tree.
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "../../fuzz/ConfigReadCheck.h"
 #include "HostConfigKey.h"
 #include "HostConfigTree.h"
 #include "HostEntryPoints.h"
@@ -58,6 +61,15 @@ std::string readAll(const fs::path& file) {
   std::stringstream s;
   s << in.rdbuf();
   return s.str();
+}
+
+// A configuration whose keys nest `levels` deep below the root, with a value at the bottom.
+std::string nestedKeys(int levels) {
+  std::string text = R"({"format": 1, "root": )";
+  for (int i = 0; i < levels; ++i) text += R"({"values": {}, "keys": {"k": )";
+  text += R"({"keys": {}, "values": {"v": {"int32": 1}}})";
+  for (int i = 0; i < levels; ++i) text += "}}";
+  return text + "}";
 }
 
 TEST(HostConfigTree, ValuesPersistAcrossHostRunsInTwoProcesses) {
@@ -157,6 +169,8 @@ TEST(HostConfigTree, ABatchWritesTheFileOnceWhenItCloses) {
   EXPECT_FALSE(fs::exists(file)) << "a batch without changes does not write";
 }
 
+// Whether the tree is detached or not: the user's file is named in one warning line and kept
+// aside as it was.
 TEST(HostConfigTree, CorruptFileIsSetAsideWithOneWarning) {
   testsupport::TempDir dir;
   const fs::path file = dir.path() / "config.json";
@@ -165,28 +179,89 @@ TEST(HostConfigTree, CorruptFileIsSetAsideWithOneWarning) {
       {"[1, 2]", "no \"root\" key"},
       {"{\"format\": 1, \"root\": {\"keys\": {}, \"values\": {\"x\": {\"int32\": 1e99}}}}",
        "value \"x\" of the root key is not a typed value"},
-      {"{\"format\": 1, \"root\": {\"keys\": {\"a\": 3}, \"values\": {}}}",
-       "key \"a\" is not an object"},
+      {"{\"format\": 1, \"root\": {\"keys\": {}, \"values\": {\"x\": {\"double\": 1e999}}}}",
+       "number overflow"},
+      {"{\"format\": 1, \"root\": {\"keys\": {\"a\\nb\": 3}, \"values\": {}}}",
+       "key \"a\\nb\" is not an object"},
+      {nestedKeys(HostConfigTree::kMaxKeyDepth + 1), "nested deeper than 64 levels"},
+      {std::string(100000, '['), "nested deeper than 64 levels"},
+      {std::string(HostConfigTree::kMaxFileBytes + 1, ' '), "larger than 16 MB"},
   };
-  for (const auto& [text, why] : cases) {
-    for (const auto& entry : fs::directory_iterator(dir.path())) fs::remove(entry.path());
-    std::ofstream(file) << text;
-    testing::internal::CaptureStderr();
-    {
-      HeadlessHost host(HeadlessHost::Options{file, nullptr});
-      EXPECT_FALSE(host.app().configRoot()->openSubkey("cmddata", false).isNull()) << why;
-    }
-    std::string warning = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(hosttest::count(warning, "\n"), 1u) << warning;
-    EXPECT_NE(warning.find("configuration file " + file.string() + " is corrupt"),
-              std::string::npos)
-        << warning;
-    EXPECT_NE(warning.find(why), std::string::npos) << warning;
+  for (bool detached : {false, true}) {
+    for (const auto& [text, why] : cases) {
+      SCOPED_TRACE(why + (detached ? " (detached)" : ""));
+      for (const auto& entry : fs::directory_iterator(dir.path())) fs::remove(entry.path());
+      std::ofstream(file, std::ios::binary) << text;
+      testing::internal::CaptureStderr();
+      {
+        HeadlessHost host(HeadlessHost::Options{file, nullptr, detached});
+        EXPECT_FALSE(host.app().configRoot()->openSubkey("cmddata", false).isNull());
+      }
+      std::string warning = testing::internal::GetCapturedStderr();
+      EXPECT_EQ(hosttest::count(warning, "\n"), 1u) << warning;
+      EXPECT_NE(warning.find("configuration file " + file.string() + " is corrupt (" + why),
+                std::string::npos)
+          << warning;
 
-    auto files = filesIn(dir.path());
-    ASSERT_EQ(files.size(), 1u) << text;
-    EXPECT_TRUE(files[0].starts_with("config.json.corrupt-")) << files[0];
-    EXPECT_EQ(readAll(dir.path() / files[0]), text) << "kept as it was, for the user";
+      auto files = filesIn(dir.path());
+      ASSERT_EQ(files.size(), 1u);
+      EXPECT_TRUE(files[0].starts_with("config.json.corrupt-")) << files[0];
+      EXPECT_TRUE(readAll(dir.path() / files[0]) == text) << "kept as it was, for the user";
+    }
+  }
+  // The deepest configuration allowed is read, and a repeated name as the plain parser reads it
+  // (first place, last value).
+  for (const std::string& text :
+       {nestedKeys(HostConfigTree::kMaxKeyDepth),
+        std::string(R"({"root": {"keys": {}, "values": {}}, "format": 1, "root": {"keys": {},)"
+                    R"( "values": {"a": {"int8": 1}, "b": {"int8": 2}, "a": {"int8": 3}}}})")}) {
+    EXPECT_NO_THROW(HostConfigTree::parse(text));
+    EXPECT_EQ(ConfigReadCheck::check(text), "");
+  }
+}
+
+// A detached tree sees the file as it is and keeps its changes in memory: it never creates,
+// writes or leaves a temporary beside the file.
+TEST(HostConfigTree, ADetachedTreeReadsTheFileAndNeverWritesIt) {
+  testsupport::TempDir dir;
+  const fs::path file = dir.path() / "config.json";
+  auto change = [](HostConfigTree& tree) {
+    HostConfigTree::Batch batch(tree);
+    return tree.setValue({"cmddata"}, "kept", OdVariant(std::int32_t(8))) &&
+           tree.createKey({"cmddata"}, "Lib") && tree.save();
+  };
+  EXPECT_TRUE(change(*HostConfigTree::openDetached(file)));
+  EXPECT_TRUE(filesIn(dir.path()).empty()) << "no file is created";
+
+  ASSERT_TRUE(
+      HostConfigTree::open(file)->setValue({"cmddata"}, "kept", OdVariant(std::int32_t(7))));
+  const std::string before = readAll(file);
+  auto detached = HostConfigTree::openDetached(file);
+  EXPECT_EQ(detached->getValue({"cmddata"}, "kept")->getInt32(), 7);
+  EXPECT_TRUE(change(*detached));
+  EXPECT_EQ(detached->getValue({"cmddata"}, "kept")->getInt32(), 8) << "changed for this run";
+  EXPECT_TRUE(detached->lastSaveError().empty());
+  EXPECT_EQ(readAll(file), before);
+  EXPECT_EQ(filesIn(dir.path()), std::vector<std::string>{"config.json"});
+}
+
+// Inputs the configuration reader fuzzer found faults with, kept in fuzz/config-regressions.
+TEST(HostConfigTree, KeptFuzzerInputsAreReadOrRefusedCleanly) {
+  const fs::path folder = fs::path(STAUDIT_SOURCE_DIR) / "fuzz" / "config-regressions";
+  std::vector<fs::path> inputs;
+  if (fs::is_directory(folder))
+    for (const auto& entry : fs::directory_iterator(folder))
+      if (entry.is_regular_file() && entry.path().extension() != ".md")
+        inputs.push_back(entry.path());
+  if (inputs.empty()) GTEST_SKIP() << "no kept fuzzer inputs in " << folder;
+  std::sort(inputs.begin(), inputs.end());
+  for (const fs::path& input : inputs) {
+    SCOPED_TRACE(input.filename().string());
+    try {
+      EXPECT_EQ(ConfigReadCheck::check(readAll(input)), "");
+    } catch (const std::exception& e) {
+      ADD_FAILURE() << "threw something other than FormatError: " << e.what();
+    }
   }
 }
 
