@@ -17,6 +17,9 @@
 #include <utility>
 #include <vector>
 
+#include "OdAtomicFile.h"
+#include "OdError.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -241,7 +244,7 @@ std::string systemError(int error) {
   return std::generic_category().message(error);
 }
 
-// Writes `bytes` to a new file beside `file` and renames it over `file`. Returns an empty
+// Writes `bytes` over `file` whole or not at all (see OdAtomicFile). Returns an empty
 // string, or what failed.
 std::string replaceFileAtomically(const fs::path& file, const std::string& bytes) {
   std::error_code ec;
@@ -249,35 +252,14 @@ std::string replaceFileAtomically(const fs::path& file, const std::string& bytes
     fs::create_directories(file.parent_path(), ec);
     if (ec) return "cannot create folder " + file.parent_path().string() + ": " + ec.message();
   }
-  std::string tmpName = file.string() + ".tmp-XXXXXX";
-  int fd = mkstemp(tmpName.data());
-  if (fd < 0) return "cannot create a temporary file beside it: " + systemError(errno);
-  auto fail = [&](const std::string& what) {
-    int error = errno;
-    if (fd >= 0) ::close(fd);
-    ::unlink(tmpName.c_str());
-    return what + ": " + systemError(error);
-  };
-  std::size_t done = 0;
-  while (done < bytes.size()) {
-    ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return fail("cannot write " + tmpName);
-    done += static_cast<std::size_t>(n);
-  }
-  // The mode of mkstemp (0600) suits a per-user settings file.
-  if (::fsync(fd) != 0) return fail("cannot flush " + tmpName);
-  if (::close(fd) != 0) {
-    fd = -1;
-    return fail("cannot close " + tmpName);
-  }
-  fd = -1;
-  if (std::rename(tmpName.c_str(), file.c_str()) != 0) return fail("cannot replace the file");
-  // Make the rename itself durable; a failure here loses nothing that was not already safe.
-  int dir = ::open(file.has_parent_path() ? file.parent_path().c_str() : ".", O_RDONLY);
-  if (dir >= 0) {
-    ::fsync(dir);
-    ::close(dir);
+  OdAtomicFile::Options options;
+  options.newFileMode = 0600;  // a new settings file is the user's own
+  try {
+    OdAtomicFile out(file, options);
+    out.write(bytes);
+    out.commit();
+  } catch (const OdError& e) {
+    return e.description().toUtf8();
   }
   return {};
 }

@@ -125,6 +125,8 @@ void OdAtomicFile::prepare() {
                       std::to_string(from->group));
     }
     mode = from->mode & 07777;
+  } else if (options_.newFileMode) {
+    mode = *options_.newFileMode;
   } else {
     mode_t mask = ::umask(0);
     ::umask(mask);

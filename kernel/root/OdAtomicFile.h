@@ -33,8 +33,10 @@ class OdAtomicFile {
     // OdFileStamp::sameState) when the new one is put in its place; commit refuses otherwise.
     std::optional<OdFileStamp> expected;
     // Owner, group and permissions for the new file. When unset: those of the regular file
-    // being replaced, or for a new file the process's owner and 0666 less the umask.
+    // being replaced, or for a new file the process's owner and newFileMode.
     std::optional<OdFileStamp> attributes;
+    // Permissions of a file where there was none; unset: 0666 less the umask.
+    std::optional<mode_t> newFileMode;
     // Called after the new file is complete and the target found as expected, just before
     // the rename; what it throws stops the commit (the target is then untouched). For work
     // that must happen only when the write will happen, such as putting a backup in place.
