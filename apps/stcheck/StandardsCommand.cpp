@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "FileKind.h"
 #include "HeadlessHost.h"
 #include "ModuleHost.h"
 #include "OdDbDatabase.h"
@@ -58,8 +59,8 @@ int runStandards(const StandardsOptions& options) {
   fs::path drawing = fs::absolute(options.drawing);
   fs::path dir = drawing.parent_path();
   for (const std::string& file : options.add) {
-    if (!fs::is_regular_file(file)) {
-      std::fprintf(stderr, "stcheck: standards file %s not found\n", file.c_str());
+    if (std::string problem = standardsFileProblem(file); !problem.empty()) {
+      std::fprintf(stderr, "stcheck: %s\n", problem.c_str());
       return 2;
     }
     // A standards file is a drawing; anything else would make every object non-standard.
