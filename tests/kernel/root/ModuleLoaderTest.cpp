@@ -132,6 +132,30 @@ TEST(ModuleLoaderTest, SearchPathFromTheEnvironmentAndBrokenFiles) {
   message = errorOf(eLoadFailed, [&] { linker->loadModule(OdString(L"Garbage.dll"), false); });
   EXPECT_TRUE(contains(message, (dir.path() / "libGarbage.so").string())) << message;
   EXPECT_TRUE(contains(message, "ELF header")) << "no system reason in: " << message;
+
+  // What a configuration names loads from the search path only, and a failure says why
+  // instead of throwing.
+  OdString reason;
+  EXPECT_TRUE(linker->loadFromSearchPath(OdString(L"Garbage.dll"), reason).isNull());
+  EXPECT_TRUE(contains(reason.toUtf8(), (dir.path() / "libGarbage.so").string() + ": "))
+      << reason.toUtf8();
+  EXPECT_TRUE(linker->loadFromSearchPath(OdString(L"Relocated"), reason).isNull());
+  EXPECT_TRUE(contains(reason.toUtf8(), "has no odrxCreateModuleObject")) << reason.toUtf8();
+  fs::copy_file(STAUDIT_BIN_DIR "/libRxTestModule.so", dir.path() / "libElsewhere.so");
+  const std::string searched =
+      "not on the module search path: " + linker->searchPath()[0].toUtf8() + ", /nonexistent, " +
+      dir.path().string();
+  for (const std::string& name :
+       {(dir.path() / "libElsewhere.so").string(),
+        std::string("../") + dir.path().filename().string() + "/Elsewhere.dll", std::string(".."),
+        std::string(STAUDIT_BIN_DIR "/RxTestModule")}) {
+    EXPECT_FALSE(OdRxDynamicLinker::isSearchPathName(OdString::fromUtf8(name))) << name;
+    EXPECT_TRUE(linker->loadFromSearchPath(OdString::fromUtf8(name), reason).isNull()) << name;
+    EXPECT_EQ(reason.toUtf8(), searched);
+  }
+  EXPECT_TRUE(linker->loadedModules().isEmpty());
+  ASSERT_FALSE(linker->loadFromSearchPath(OdString(L"Elsewhere.dll"), reason).isNull());
+  EXPECT_TRUE(linker->unloadModule(OdString(L"Elsewhere")));
 }
 
 }  // namespace
