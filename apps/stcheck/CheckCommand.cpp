@@ -10,6 +10,7 @@
 
 #include "CheckSession.h"
 #include "DrawingFinder.h"
+#include "FileKind.h"
 #include "HtmlReport.h"
 #include "JsonReport.h"
 #include "JunitReport.h"
@@ -190,8 +191,8 @@ std::vector<DrawingReport> checkHere(const std::vector<std::filesystem::path>& d
 
 int runCheck(const CheckOptions& options) {
   for (const std::string& s : options.standards) {
-    if (!std::filesystem::is_regular_file(s)) {
-      std::fprintf(stderr, "stcheck: standards file %s not found\n", s.c_str());
+    if (std::string problem = standardsFileProblem(s); !problem.empty()) {
+      std::fprintf(stderr, "stcheck: %s\n", problem.c_str());
       return 2;
     }
   }
@@ -237,7 +238,17 @@ void CheckCommand::add(CLI::App& app, int& exitCode) {
   check->add_option("--format", options->format, "Report format")
       ->check(CLI::IsMember({"text", "json", "html", "junit", "sarif"}));
   check->add_option("-o,--output", options->output, "Write the report to FILE");
+  // A number first, so that "abc" is not called out of range.
+  const CLI::Validator wholeNumber(
+      [](std::string& text) {
+        const std::size_t first = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
+        const bool number =
+            text.size() > first && text.find_first_not_of("0123456789", first) == std::string::npos;
+        return number ? std::string() : "'" + text + "' is not a whole number";
+      },
+      "");
   check->add_option("--jobs", options->jobs, "Check drawings in N worker processes")
+      ->check(wholeNumber)
       ->check(CLI::Range(1, 256));
   check->add_flag("--fix", options->fix,
                   "Apply the recommended fixes and write the drawing back, keeping the "
