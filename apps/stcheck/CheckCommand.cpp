@@ -17,6 +17,7 @@
 #include "OdError.h"
 #include "ProgressLine.h"
 #include "SarifReport.h"
+#include "TerminalText.h"
 #include "TextReport.h"
 #include "WorkerPool.h"
 
@@ -192,7 +193,7 @@ std::vector<DrawingReport> checkHere(const std::vector<std::filesystem::path>& d
 int runCheck(const CheckOptions& options) {
   for (const std::string& s : options.standards) {
     if (std::string problem = standardsFileProblem(s); !problem.empty()) {
-      std::fprintf(stderr, "stcheck: %s\n", problem.c_str());
+      std::fprintf(stderr, "stcheck: %s\n", terminalSafe(problem).c_str());
       return 2;
     }
   }
@@ -244,7 +245,7 @@ void CheckCommand::add(CLI::App& app, int& exitCode) {
         const std::size_t first = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
         const bool number =
             text.size() > first && text.find_first_not_of("0123456789", first) == std::string::npos;
-        return number ? std::string() : "'" + text + "' is not a whole number";
+        return number ? std::string() : "'" + terminalSafe(text) + "' is not a whole number";
       },
       "");
   check->add_option("--jobs", options->jobs, "Check drawings in N worker processes")

@@ -6,6 +6,7 @@
 #include <exception>
 
 #include "StcheckCommands.h"
+#include "TerminalText.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"stcheck: check drawings against their drawing standards", "stcheck"};
@@ -20,7 +21,7 @@ int main(int argc, char** argv) {
     int code = app.exit(e);
     return code == 0 ? 0 : 2;
   } catch (const std::exception& e) {
-    std::fprintf(stderr, "stcheck: %s\n", e.what());
+    std::fprintf(stderr, "stcheck: %s\n", stcheck::terminalSafe(e.what()).c_str());
     return 2;
   }
   if (argc == 1) std::fputs(app.help().c_str(), stdout);

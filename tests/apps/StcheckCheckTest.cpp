@@ -353,6 +353,8 @@ TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsP
   }
   info = project.stcheck({"info", "plans"}, 60);
   EXPECT_EQ(info.output, "stcheck: plans is a folder, not a drawing\n");
+  info = project.stcheck({"info", "two\nlines\x1b[2J.dxf"});
+  EXPECT_EQ(info.output, "stcheck: two\\x0alines\\x1b[2J.dxf: no such file\n");
 
   // Control characters in a drawing's names reach the terminal escaped, not obeyed.
   std::string bytes = readBytes(project.file("floor-plan.dxf"));
