@@ -141,18 +141,14 @@ TEST(ModuleLoaderTest, SearchPathFromTheEnvironmentAndBrokenFiles) {
       << reason.toUtf8();
   EXPECT_TRUE(linker->loadFromSearchPath(OdString(L"Relocated"), reason).isNull());
   EXPECT_TRUE(contains(reason.toUtf8(), "has no odrxCreateModuleObject")) << reason.toUtf8();
+  // A path is refused even into a folder of the search path (the registry's test covers the
+  // other spellings of a path); a module named by its name alone loads.
   fs::copy_file(STAUDIT_BIN_DIR "/libRxTestModule.so", dir.path() / "libElsewhere.so");
-  const std::string searched =
-      "not on the module search path: " + linker->searchPath()[0].toUtf8() + ", /nonexistent, " +
-      dir.path().string();
-  for (const std::string& name :
-       {(dir.path() / "libElsewhere.so").string(),
-        std::string("../") + dir.path().filename().string() + "/Elsewhere.dll", std::string(".."),
-        std::string(STAUDIT_BIN_DIR "/RxTestModule")}) {
-    EXPECT_FALSE(OdRxDynamicLinker::isSearchPathName(OdString::fromUtf8(name))) << name;
-    EXPECT_TRUE(linker->loadFromSearchPath(OdString::fromUtf8(name), reason).isNull()) << name;
-    EXPECT_EQ(reason.toUtf8(), searched);
-  }
+  EXPECT_TRUE(
+      linker->loadFromSearchPath(OdString::fromUtf8(STAUDIT_BIN_DIR "/RxTestModule"), reason)
+          .isNull());
+  EXPECT_EQ(reason.toUtf8(), "not on the module search path: " + linker->searchPath()[0].toUtf8() +
+                                 ", /nonexistent, " + dir.path().string());
   EXPECT_TRUE(linker->loadedModules().isEmpty());
   ASSERT_FALSE(linker->loadFromSearchPath(OdString(L"Elsewhere.dll"), reason).isNull());
   EXPECT_TRUE(linker->unloadModule(OdString(L"Elsewhere")));
