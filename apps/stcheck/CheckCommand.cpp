@@ -7,11 +7,13 @@
 #include <fstream>
 #include <memory>
 #include <optional>
+#include <set>
 #include <sstream>
 
 #include "BackupName.h"
 #include "CheckSession.h"
 #include "DrawingFinder.h"
+#include "FileKind.h"
 #include "HtmlReport.h"
 #include "JsonReport.h"
 #include "JunitReport.h"
@@ -21,6 +23,7 @@
 #include "ReportTarget.h"
 #include "SarifReport.h"
 #include "ScratchFolder.h"
+#include "TerminalText.h"
 #include "TextReport.h"
 #include "WorkerPool.h"
 
@@ -48,6 +51,17 @@ std::string workerFailure(const WorkerPool::Outcome& outcome) {
                         ? "the checker was stopped by signal " + std::to_string(outcome.signal)
                         : "the checker ended with status " + std::to_string(outcome.exitCode);
   return last.empty() ? how : how + ": " + last;
+}
+
+// What the workers said besides their reports (a configuration set aside, a plug-in library
+// that did not load), each line once however many workers said it, as one process would.
+void passOnWarnings(const std::vector<WorkerPool::Outcome>& outcomes) {
+  std::set<std::string> said;
+  for (const WorkerPool::Outcome& outcome : outcomes) {
+    std::istringstream lines(outcome.output);
+    for (std::string line; std::getline(lines, line);)
+      if (!line.empty() && said.insert(line).second) std::fprintf(stderr, "%s\n", line.c_str());
+  }
 }
 
 // A batch of drawings for one worker process, and where it writes its report.
@@ -117,7 +131,7 @@ std::vector<DrawingReport> checkInWorkers(const std::vector<std::filesystem::pat
 
   ProgressLine progress(stderr);
   std::size_t checked = 0;
-  WorkerPool::run(tasks, options.jobs, scratch, [&](std::size_t, std::size_t index) {
+  auto ran = WorkerPool::run(tasks, options.jobs, scratch, [&](std::size_t, std::size_t index) {
     checked += chunks[index].count;
     progress.show(checked, drawings.size(), drawings[chunks[index].first].string());
   });
@@ -147,6 +161,7 @@ std::vector<DrawingReport> checkInWorkers(const std::vector<std::filesystem::pat
     }
   }
   progress.clear();
+  passOnWarnings(ran);
   for (std::size_t i = 0; i < drawings.size(); ++i) reports[i].path = drawings[i].string();
   return reports;
 }
@@ -165,8 +180,8 @@ std::vector<DrawingReport> checkHere(const std::vector<std::filesystem::path>& d
 
 int runCheck(const CheckOptions& options) {
   for (const std::string& s : options.standards) {
-    if (!std::filesystem::is_regular_file(s)) {
-      std::fprintf(stderr, "stcheck: standards file %s not found\n", s.c_str());
+    if (std::string problem = standardsFileProblem(s); !problem.empty()) {
+      std::fprintf(stderr, "stcheck: %s\n", terminalSafe(problem).c_str());
       return 2;
     }
   }
@@ -235,7 +250,17 @@ void CheckCommand::add(CLI::App& app, int& exitCode) {
   check->add_option("--format", options->format, "Report format")
       ->check(CLI::IsMember({"text", "json", "html", "junit", "sarif"}));
   check->add_option("-o,--output", options->output, "Write the report to FILE");
+  // A number first, so that "abc" is not called out of range.
+  const CLI::Validator wholeNumber(
+      [](std::string& text) {
+        const std::size_t first = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
+        const bool number =
+            text.size() > first && text.find_first_not_of("0123456789", first) == std::string::npos;
+        return number ? std::string() : "'" + terminalSafe(text) + "' is not a whole number";
+      },
+      "");
   check->add_option("--jobs", options->jobs, "Check drawings in N worker processes")
+      ->check(wholeNumber)
       ->check(CLI::Range(1, 256));
   check->add_flag("--fix", options->fix,
                   "Apply the recommended fixes and write the drawing back, keeping the "

@@ -8,6 +8,7 @@
 #include "DxfReader.h"
 #include "DxfWriter.h"
 #include "OdError.h"
+#include "TerminalText.h"
 
 namespace stcheck {
 
@@ -29,7 +30,7 @@ int runConvert(const ConvertOptions& options) {
     DxfWriter(*doc, format).save(options.output);
     return 0;
   } catch (const OdError& e) {
-    std::fprintf(stderr, "stcheck: %s\n", e.what());
+    std::fprintf(stderr, "stcheck: %s\n", terminalSafe(e.what()).c_str());
     return 2;
   }
 }

@@ -5,6 +5,8 @@
 #include <set>
 #include <system_error>
 
+#include "FileKind.h"
+
 namespace stcheck {
 
 namespace {
@@ -46,6 +48,10 @@ DrawingFinder::Found DrawingFinder::find(const std::vector<std::string>& paths) 
       }
       std::sort(inFolder.begin(), inFolder.end());
       for (const auto& p : inFolder) add(p);
+    } else if (const char* kind = fileKindName(status.type())) {
+      // Reading a FIFO or a device could block or never end; only regular files are drawings.
+      found.missing.emplace_back(
+          arg, std::string("is not a regular file (") + kind + "), not a drawing");
     } else {
       add(path);
     }

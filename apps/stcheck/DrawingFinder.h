@@ -11,8 +11,9 @@ class DrawingFinder {
  public:
   struct Found {
     std::vector<std::filesystem::path> drawings;
-    // Arguments that name nothing that exists, with the reason, each to be reported as a
-    // drawing that could not be read.
+    // Arguments that name nothing that exists, or something that is neither a regular file
+    // nor a folder (a FIFO, a device), with the reason, each to be reported as a drawing that
+    // could not be read.
     std::vector<std::pair<std::string, std::string>> missing;
   };
 

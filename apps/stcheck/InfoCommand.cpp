@@ -9,6 +9,7 @@
 #include "OdDbDatabase.h"
 #include "OdDbSymbolTable.h"
 #include "OdError.h"
+#include "TerminalText.h"
 
 namespace stcheck {
 
@@ -66,7 +67,7 @@ int runInfo(const InfoOptions& options) {
       printText(info);
     return 0;
   } catch (const OdError& e) {
-    std::fprintf(stderr, "stcheck: %s\n", e.what());
+    std::fprintf(stderr, "stcheck: %s\n", terminalSafe(e.what()).c_str());
     return 2;
   }
 }

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include "TerminalText.h"
+
 namespace stcheck {
 
 ProgressLine::ProgressLine(std::FILE* stream)
@@ -9,7 +11,9 @@ ProgressLine::ProgressLine(std::FILE* stream)
 
 void ProgressLine::show(std::size_t done, std::size_t total, const std::string& what) {
   if (!active_) return;
-  std::string line = "[" + std::to_string(done) + "/" + std::to_string(total) + "] " + what;
+  // A file name may hold control characters; only this line's own escapes reach the terminal.
+  std::string line =
+      "[" + std::to_string(done) + "/" + std::to_string(total) + "] " + terminalSafe(what);
   // Keep the line within a common terminal width so that it never wraps.
   constexpr std::size_t kWidth = 78;
   if (line.size() > kWidth) {

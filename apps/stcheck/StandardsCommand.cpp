@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "FileKind.h"
 #include "HeadlessHost.h"
 #include "ModuleHost.h"
 #include "OdDbDatabase.h"
@@ -12,6 +13,7 @@
 #include "OdResBuf.h"
 #include "StDbReaderWriter.h"
 #include "StStandardsPaths.h"
+#include "TerminalText.h"
 
 namespace stcheck {
 
@@ -58,16 +60,16 @@ int runStandards(const StandardsOptions& options) {
   fs::path drawing = fs::absolute(options.drawing);
   fs::path dir = drawing.parent_path();
   for (const std::string& file : options.add) {
-    if (!fs::is_regular_file(file)) {
-      std::fprintf(stderr, "stcheck: standards file %s not found\n", file.c_str());
+    if (std::string problem = standardsFileProblem(file); !problem.empty()) {
+      std::fprintf(stderr, "stcheck: %s\n", terminalSafe(problem).c_str());
       return 2;
     }
     // A standards file is a drawing; anything else would make every object non-standard.
     try {
       OdDbDatabase::readFile(file);
     } catch (const OdError& e) {
-      std::fprintf(stderr, "stcheck: %s is not a standards drawing: %s\n", file.c_str(),
-                   e.description().toUtf8().c_str());
+      std::fprintf(stderr, "stcheck: %s is not a standards drawing: %s\n",
+                   terminalSafe(file).c_str(), terminalSafe(e.description().toUtf8()).c_str());
       return 2;
     }
   }
@@ -92,8 +94,8 @@ int runStandards(const StandardsOptions& options) {
         return f == gone || resolved(f, dir) == target;
       });
       if (it == files.end()) {
-        std::fprintf(stderr, "stcheck: %s is not associated with %s\n", gone.c_str(),
-                     options.drawing.c_str());
+        std::fprintf(stderr, "stcheck: %s is not associated with %s\n", terminalSafe(gone).c_str(),
+                     terminalSafe(options.drawing).c_str());
         return 2;
       }
       files.erase(it);
@@ -124,7 +126,7 @@ int runStandards(const StandardsOptions& options) {
       std::printf("no standards files are associated with %s\n", options.drawing.c_str());
     return 0;
   } catch (const OdError& e) {
-    std::fprintf(stderr, "stcheck: %s\n", e.description().toUtf8().c_str());
+    std::fprintf(stderr, "stcheck: %s\n", terminalSafe(e.description().toUtf8()).c_str());
     return 2;
   }
 }

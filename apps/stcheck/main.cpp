@@ -7,6 +7,7 @@
 
 #include "StcheckCommands.h"
 #include "StopSignals.h"
+#include "TerminalText.h"
 
 int main(int argc, char** argv) {
   stcheck::StopSignals::install();
@@ -22,7 +23,7 @@ int main(int argc, char** argv) {
     int code = app.exit(e);
     return code == 0 ? 0 : 2;
   } catch (const std::exception& e) {
-    std::fprintf(stderr, "stcheck: %s\n", e.what());
+    std::fprintf(stderr, "stcheck: %s\n", stcheck::terminalSafe(e.what()).c_str());
     return 2;
   }
   if (argc == 1) std::fputs(app.help().c_str(), stdout);

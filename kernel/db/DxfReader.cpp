@@ -116,9 +116,22 @@ const char* typeName(DxfValueType type) {
   }
 }
 
+// What a file that is not a regular file is, for a message; null for a regular file.
+const char* otherKindOfFile(mode_t mode) {
+  if (S_ISREG(mode)) return nullptr;
+  if (S_ISDIR(mode)) return "a folder";
+  if (S_ISFIFO(mode)) return "a FIFO";
+  if (S_ISSOCK(mode)) return "a socket";
+  if (S_ISCHR(mode)) return "a character device";
+  if (S_ISBLK(mode)) return "a block device";
+  return "an unknown kind of file";
+}
+
 DxfFileBytes readWholeFile(const std::filesystem::path& path) {
   const std::string name = path.string();
-  int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  // Without O_NONBLOCK, opening a FIFO waits for a writer that may never come; nothing is
+  // read before fstat has shown a regular file, for which the flag changes nothing.
+  int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) {
     int err = errno;
     if (err == ENOENT) throw OdError(eFileNotFound, name + ": no such file");
@@ -131,8 +144,11 @@ DxfFileBytes readWholeFile(const std::filesystem::path& path) {
   struct stat info {};
   if (::fstat(fd, &info) != 0)
     throw OdError(eFileAccessError, "cannot read " + name + ": " + std::strerror(errno));
-  if (S_ISDIR(info.st_mode))
-    throw OdError(eFileAccessError, "cannot read " + name + ": it is a folder");
+  if (const char* kind = otherKindOfFile(info.st_mode)) {
+    if (S_ISDIR(info.st_mode))
+      throw OdError(eFileAccessError, name + " is a folder, not a drawing");
+    throw OdError(eFileAccessError, name + " is not a regular file (" + kind + "), not a drawing");
+  }
   if (static_cast<std::uint64_t>(info.st_size) > std::numeric_limits<std::uint32_t>::max())
     throw OdError(eBadDxfFile, name + ": files of 4 GB and more are not supported");
   DxfFileBytes bytes(static_cast<std::size_t>(info.st_size));

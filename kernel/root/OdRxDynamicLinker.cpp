@@ -133,48 +133,81 @@ OdRxModulePtr OdRxDynamicLinker::getModule(const OdString& name) const {
   return entry ? entry->module : OdRxModulePtr();
 }
 
+bool OdRxDynamicLinker::isSearchPathName(const OdString& name) {
+  const std::string utf8 = name.toUtf8();
+  return !utf8.empty() && utf8.find('/') == std::string::npos && utf8 != "." && utf8 != "..";
+}
+
 OdRxModulePtr OdRxDynamicLinker::loadModule(const OdString& name, bool silent) {
+  Failure failure;
+  OdRxModulePtr module = load(name, false, failure);
+  if (module || (silent && failure.quiet)) return module;
+  throw OdError(failure.code, failure.message);
+}
+
+OdRxModulePtr OdRxDynamicLinker::loadFromSearchPath(const OdString& name, OdString& reason) {
+  Failure failure;
+  OdRxModulePtr module = load(name, true, failure);
+  if (!module) reason = OdString::fromUtf8(failure.reason);
+  return module;
+}
+
+OdRxModulePtr OdRxDynamicLinker::load(const OdString& name, bool searchPathOnly, Failure& failure) {
+  const std::string utf8 = name.toUtf8();
+  auto fail = [&](OdResult code, bool quiet, std::string message, std::string reason) {
+    failure = Failure{code, quiet, std::move(message), std::move(reason)};
+    return OdRxModulePtr();
+  };
+  // Checked before looking for a loaded module, which a path would match by its file name.
+  if (searchPathOnly && !isSearchPathName(name)) {
+    std::string where;
+    for (const auto& dir : moduleDirectories()) where += (where.empty() ? "" : ", ") + dir;
+    std::string reason =
+        "not on the module search path: " + (where.empty() ? "no directory" : where);
+    return fail(eLoadFailed, true, "cannot load module " + utf8 + ": " + reason, reason);
+  }
   if (const Loaded* entry = find(name)) return entry->module;
 
-  const std::string utf8 = name.toUtf8();
   std::string tried;
   const std::string path = resolveModuleFile(utf8, &tried);
-  if (path.empty()) {
-    if (silent) return OdRxModulePtr();
-    throw OdError(eLoadFailed, "cannot load module " + utf8 + ": found no " + tried);
-  }
+  if (path.empty())
+    return fail(eLoadFailed, true, "cannot load module " + utf8 + ": found no " + tried,
+                "found no " + tried);
 
   dlerror();
   void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (!handle) {
-    const char* reason = dlerror();
-    if (silent) return OdRxModulePtr();
-    throw OdError(eLoadFailed, "cannot load module " + utf8 + " from " + path + ": " +
-                                   (reason ? reason : "unknown reason"));
+    const char* said = dlerror();
+    const std::string reason = said ? said : path + ": unknown reason";
+    return fail(eLoadFailed, true, "cannot load module " + utf8 + " from " + path + ": " + reason,
+                reason);
   }
 
   auto create = entryPoint<OdRxModule* (*)()>(handle, "odrxCreateModuleObject");
   auto version = entryPoint<OdRxApiVersion (*)()>(handle, "odrxGetAPIVersion");
   if (!create || !version) {
     dlclose(handle);
-    throw OdError(eNoEntryPoint, "module file " + path + " has no " +
-                                     (create ? "odrxGetAPIVersion" : "odrxCreateModuleObject") +
-                                     " entry point");
+    const std::string reason = "module file " + path + " has no " +
+                               (create ? "odrxGetAPIVersion" : "odrxCreateModuleObject") +
+                               " entry point";
+    return fail(eNoEntryPoint, false, reason, reason);
   }
   const OdRxApiVersion built = version();
   if (built != kOdRxApiVersion) {
     dlclose(handle);
-    throw OdError(eLoadFailed, "module file " + path + " was built for kernel interface version " +
-                                   std::to_string(built) + ", this kernel has version " +
-                                   std::to_string(kOdRxApiVersion));
+    const std::string reason = "module file " + path + " was built for kernel interface version " +
+                               std::to_string(built) + ", this kernel has version " +
+                               std::to_string(kOdRxApiVersion);
+    return fail(eLoadFailed, false, reason, reason);
   }
 
   // From here on module code has run; should it throw, the file stays open (see the header).
   OdRxModulePtr module(create(), kOdRxObjAttach);
   if (!module) {
     dlclose(handle);
-    throw OdError(eLoadFailed,
-                  "module file " + path + " made no module object in odrxCreateModuleObject");
+    const std::string reason =
+        "module file " + path + " made no module object in odrxCreateModuleObject";
+    return fail(eLoadFailed, false, reason, reason);
   }
   module->name_ = OdString::fromUtf8(moduleKey(utf8));
   module->fileName_ = OdString::fromUtf8(path);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "OdArray.h"
+#include "OdResult.h"
 #include "OdRxModule.h"
 #include "OdString.h"
 
@@ -16,7 +17,7 @@
 // '/' is looked for in the module search path, in order: the directory of the running
 // executable, then the directories listed in the environment variable STAUDIT_MODULE_PATH
 // (colon separated, read at each lookup). A name with a '/' is a path and is looked for only
-// there. The system's library path is not searched.
+// there, except by loadFromSearchPath. The system's library path is not searched.
 //
 // Loading calls the module's odrxCreateModuleObject, refuses a module built for another
 // kernel interface version, then calls initApp; a module is loaded once, and loading it again
@@ -42,6 +43,19 @@ class OdRxDynamicLinker {
   // OdError(eLoadFailed) for another interface version or no module object; errors thrown by
   // the module's initApp reach the caller, and the module is then not loaded.
   OdRxModulePtr loadModule(const OdString& name, bool silent);
+
+  // Loads a module that a user's configuration names, and so from the module search path
+  // only: code from anywhere else never runs. A name that is not a bare file name (see
+  // isSearchPathName) is refused without looking at any file. When the module does not load,
+  // for whatever reason loadModule would return null or throw for, returns null and sets
+  // `reason` to one line in the loader's own words: "not on the module search path: DIRS",
+  // "found no FILES in DIRS", the system's reason for a file that is no shared library, or
+  // what the file lacks. Errors thrown by the module's initApp reach the caller.
+  OdRxModulePtr loadFromSearchPath(const OdString& name, OdString& reason);
+
+  // True when `name` is a bare file name, one loadFromSearchPath looks for: not empty, no
+  // '/', and neither "." nor "..".
+  static bool isSearchPathName(const OdString& name);
 
   // Calls uninitApp and unloads; false when no such module is loaded. When uninitApp throws,
   // the error reaches the caller and the module stays loaded.
@@ -75,6 +89,16 @@ class OdRxDynamicLinker {
     void* handle;
   };
   const Loaded* find(const OdString& name) const;
+  // Why a module did not load, found before any of its code ran. `quiet` failures (no such
+  // file, no shared library) are the ones loadModule(name, true) answers with null.
+  struct Failure {
+    OdResult code = eOk;
+    bool quiet = false;
+    std::string message;  // for an OdError, naming the module
+    std::string reason;   // the same without the module's name, for a caller that has it
+  };
+  // Loads the module, or returns null and says why in `failure`.
+  OdRxModulePtr load(const OdString& name, bool searchPathOnly, Failure& failure);
   // Unloads a loaded module (see unloadModule).
   void unload(OdRxModule* module);
 

@@ -25,7 +25,8 @@ bool fileExists(const OdString& path) {
 
 // The last-modified date of a file that can be opened for reading; empty otherwise.
 OdString lastModifiedDate(const OdString& path) {
-  int fd = ::open(path.toUtf8().c_str(), O_RDONLY | O_CLOEXEC);
+  // O_NONBLOCK: opening a FIFO for reading would wait for a writer.
+  int fd = ::open(path.toUtf8().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) return OdString();
   struct stat info {};
   bool known = ::fstat(fd, &info) == 0;

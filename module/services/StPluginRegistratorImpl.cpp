@@ -56,21 +56,29 @@ void StPluginRegistratorImpl::readRegistrations() {
 void StPluginRegistratorImpl::loadLibraries() {
   OdRxDynamicLinker* linker = odrxDynamicLinker();
   for (Library& library : libraries_) {
-    OdRxModulePtr module = linker->getModule(library.dllName);
+    // A configuration may come with a project from anywhere: its libraries load by name from
+    // the module search path only, never from a path it gives.
+    OdRxModulePtr module = OdRxDynamicLinker::isSearchPathName(library.dllName)
+                               ? linker->getModule(library.dllName)
+                               : OdRxModulePtr();
+    OdString reason;
     if (!module) {
       try {
-        module = linker->loadModule(library.dllName, true);
+        module = linker->loadFromSearchPath(library.dllName, reason);
         if (module) stRememberPluginLibrary(library.dllName);
-      } catch (const OdError&) {
-        // A file that is there but is no module of this kernel fails like a missing one:
-        // the user learns which library, and the other libraries still load.
+      } catch (const OdError& e) {
+        // The library's own start-up failed: the user learns which library and why, and the
+        // other libraries still load.
         module = nullptr;
+        reason = e.description();
       }
     }
     library.loaded = static_cast<bool>(module);
     if (!library.loaded) {
+      // One line: the configured name, then the loader's reason.
       if (HostServices* host = hostServices())
-        host->cmdPrint(stFormatString(kStrFailedToLoadPlugin, library.dllName));
+        host->cmdPrint(
+            stFormatString(kStrFailedToLoadPlugin, library.dllName + OdString(L": ") + reason));
     }
   }
 }

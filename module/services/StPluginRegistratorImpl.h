@@ -22,8 +22,10 @@ class StPluginRegistratorImpl : public StPluginRegistrator {
   StPluginRegistratorImpl() = default;
 
   // Reads the registrations (a library key without a text "PluginDll" is skipped; a plug-in
-  // without "PluginInUse" is not in use), then loads each library. A library that does not
-  // load is reported on the host's command line, one line each, and stays listed.
+  // without "PluginInUse" is not in use), then loads each library by its name from the module
+  // search path; a library named by a path is refused unread. A library that does not load
+  // is reported on the host's command line, one line each with the loader's reason, and
+  // stays listed.
   void init() override;
   void setPluginInUse(const OdString& className) override { setInUse(className, true); }
   void setPluginNotInUse(const OdString& className) override { setInUse(className, false); }

@@ -234,6 +234,20 @@ TEST(TextReportFormat, GroupsByDrawingAndColoursOnlyWhenAsked) {
       << plain;
   EXPECT_NE(TextReport::write(sampleRun(), true).find("\x1b[31;1mproblem\x1b[0m"),
             std::string::npos);
+
+  // Control characters of every range, and bytes that are no UTF-8, never reach the
+  // terminal; other text, in any script, does as it is.
+  CheckReport odd = sampleRun();
+  odd.drawings[0].problems[0].objectName =
+      "\x1b[31mred\x7f \xc2\x9b"
+      "1m \x9b \xc3 caf\xc3\xa9 \xe6\xbc\xa2";
+  odd.drawings[2].error = "line one\nline two";
+  plain = TextReport::write(odd, true);
+  EXPECT_NE(plain.find("\\x1b[31mred\\x7f \\x9b1m \\x9b \\xc3 caf\xc3\xa9 \xe6\xbc\xa2"),
+            std::string::npos)
+      << plain;
+  EXPECT_NE(plain.find("bad\\x01name"), std::string::npos) << plain;
+  EXPECT_NE(plain.find("line one\\x0aline two"), std::string::npos) << plain;
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <fstream>
 #include <iterator>
@@ -49,9 +51,9 @@ class Project {
   const fs::path& dir() const { return temp_.path(); }
   fs::path file(const std::string& name) const { return dir() / name; }
 
-  // Runs stcheck from the project folder.
-  ProcessResult stcheck(const std::vector<std::string>& args) const {
-    return testsupport::runStcheckIn(dir(), dir() / "config.json", args);
+  // Runs stcheck from the project folder (stopped after `timeoutSeconds` when given).
+  ProcessResult stcheck(const std::vector<std::string>& args, int timeoutSeconds = 0) const {
+    return testsupport::runStcheckIn(dir(), dir() / "config.json", args, timeoutSeconds);
   }
   // The same with `tmp` as the temporary folder.
   ProcessResult stcheck(const fs::path& tmp, const std::vector<std::string>& args) const {
@@ -315,13 +317,15 @@ TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsP
   const std::string fault = "foreign.dxf: line " + std::to_string(line) +
                             ", group code 0: a record of type 'LAYERX' in the LAYER table";
   std::ofstream(project.file("plans/notes.txt")) << "not a drawing";
+  // Reading a FIFO would wait for a writer for ever: the search passes it by.
+  ASSERT_EQ(::mkfifo(project.file("plans/pipe.dxf").c_str(), 0600), 0);
   // The plans keep their association: the standards sit one folder up.
   for (const char* d : {"plans/a.dxf", "plans/level-1/b.DXF"}) {
     auto fix = project.stcheck({"standards", d, "--clear", "--add", "office-standards.dws", "--add",
                                 "site-standards.dws"});
     ASSERT_EQ(fix.exitCode, 0) << fix.output;
   }
-  auto one = project.stcheck({"check", "plans", "--format", "json", "-o", "one.json"});
+  auto one = project.stcheck({"check", "plans", "--format", "json", "-o", "one.json"}, 120);
   EXPECT_EQ(one.exitCode, 2) << one.output;
   auto two =
       project.stcheck({"check", "plans", "--jobs", "2", "--format", "json", "-o", "two.json"});
@@ -333,6 +337,7 @@ TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsP
   EXPECT_NE(summary.output.find("drawing b.DXF 10 9 False"), std::string::npos);
   EXPECT_NE(summary.output.find("drawing foreign.dxf 0 0 True"), std::string::npos);
   EXPECT_EQ(summary.output.find("notes.txt"), std::string::npos);
+  EXPECT_EQ(summary.output.find("pipe.dxf"), std::string::npos);
   EXPECT_EQ(readBytes(project.file("one.json")), readBytes(project.file("two.json")));
 
   // A record in a table of another type is refused with its place, by check and by info.
@@ -343,6 +348,43 @@ TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsP
   auto info = project.stcheck({"info", "plans/foreign.dxf"});
   EXPECT_EQ(info.exitCode, 2) << info.output;
   EXPECT_EQ(info.output, "stcheck: plans/" + fault + ", which holds only LAYER records\n");
+
+  // Named, what is not a regular file is no drawing, and says what it is in one line.
+  for (const auto& [path, kind] : {std::pair<std::string, std::string>{"plans/pipe.dxf", "a FIFO"},
+                                   {"/dev/zero", "a character device"}}) {
+    const std::string says = path + " is not a regular file (" + kind + "), not a drawing\n";
+    check = project.stcheck({"check", path}, 60);
+    EXPECT_EQ(check.exitCode, 2) << check.output;
+    EXPECT_EQ(check.output.find(path + "\n  not checked: " + says.substr(path.size() + 1)), 0u)
+        << check.output;
+    info = project.stcheck({"info", path}, 60);
+    EXPECT_EQ(info.exitCode, 2) << info.output;
+    EXPECT_EQ(info.output, "stcheck: " + says);
+  }
+  info = project.stcheck({"info", "plans"}, 60);
+  EXPECT_EQ(info.output, "stcheck: plans is a folder, not a drawing\n");
+  info = project.stcheck({"info", "two\nlines\x1b[2J.dxf"});
+  EXPECT_EQ(info.output, "stcheck: two\\x0alines\\x1b[2J.dxf: no such file\n");
+
+  // Control characters in a drawing's names reach the terminal escaped, not obeyed.
+  std::string bytes = readBytes(project.file("floor-plan.dxf"));
+  for (std::size_t at = 0; (at = bytes.find("\nFurniture\n", at)) != std::string::npos;)
+    bytes.replace(at, 11, "\nFurn\x1b[31miture\n");
+  std::ofstream(project.file("escape.dxf"), std::ios::binary) << bytes;
+  check = project.stcheck({"check", "escape.dxf"});
+  EXPECT_EQ(check.exitCode, 1) << check.output;
+  EXPECT_NE(check.output.find("Furn\\x1b[31miture"), std::string::npos) << check.output;
+  EXPECT_EQ(check.output.find('\x1b'), std::string::npos) << check.output;
+
+  // A count that is no number is not called out of range.
+  for (const auto& [jobs, says] :
+       {std::pair<std::string, std::string>{"abc", "--jobs: 'abc' is not a whole number"},
+        {"2x", "--jobs: '2x' is not a whole number"},
+        {"0", "--jobs: Value 0 not in range 1 to 256"}}) {
+    check = project.stcheck({"check", "plans", "--jobs", jobs});
+    EXPECT_EQ(check.exitCode, 2) << check.output;
+    EXPECT_EQ(check.output.rfind(says + "\n", 0), 0u) << check.output;
+  }
 }
 
 // Fixes of real drawings change what the standard asks and nothing else. The R14 drawing
@@ -460,6 +502,29 @@ TEST(StcheckCommands, StandardsPluginsAndSettingsChangeWhatTheNextCheckSees) {
   auto missing = project.stcheck({"check", "floor-plan.dxf", "--standard", "nowhere.dws"});
   EXPECT_EQ(missing.exitCode, 2);
   EXPECT_NE(missing.output.find("nowhere.dws not found"), std::string::npos);
+
+  // A configuration that came with the project names a library by its path: that code is
+  // not run, and the user is told so once, with the folders libraries load from.
+  const std::string elsewhere = project.file("libElsewhere.so").string();
+  fs::copy_file(fs::path(STAUDIT_BIN_DIR) / "libStStandardPlugins.so", elsewhere);
+  auto added = Project::python(
+      "import json,sys\n"
+      "c=json.load(open(sys.argv[1]))\n"
+      "k=c['root']['keys']['cmddata']['keys']['StandardsAudit']['keys']['Plugins']['keys']\n"
+      "k['Elsewhere']={'keys':{'PathPlugin':{'keys':{},'values':{"
+      "'PluginClassName':{'string':'PathPlugin'},'PluginInUse':{'int32':1}}}},"
+      "'values':{'PluginDll':{'string':sys.argv[2]}}}\n"
+      "json.dump(c,open(sys.argv[1],'w'))\n",
+      {project.file("config.json").string(), elsewhere});
+  ASSERT_EQ(added.exitCode, 0) << added.output;
+  run = project.stcheck({"check", "floor-plan.dxf"});
+  EXPECT_EQ(run.exitCode, 1) << run.output;
+  const std::string refused =
+      "Failed to load  plugin: " + elsewhere +
+      ": not on the module search path: " + fs::canonical(STAUDIT_BIN_DIR).string() + "\n";
+  EXPECT_EQ(run.output.find(refused), run.output.rfind(refused)) << run.output;
+  EXPECT_NE(run.output.find(refused), std::string::npos) << run.output;
+  EXPECT_NE(run.output.find("Linetypes"), std::string::npos) << "the standard plug-ins still load";
 }
 
 // Listing never creates the configuration; a command line with one bad word changes nothing;
@@ -511,13 +576,19 @@ TEST(StcheckCommands, ConfigurationChangesAllOrNothingAndOnlyWhenAsked) {
   EXPECT_EQ(bad.exitCode, 2);
   EXPECT_EQ(readBytes(config), plugins);
 
-  std::ofstream(config, std::ios::trunc) << "{\"format\": 1,";
-  for (const auto& args :
-       std::vector<std::vector<std::string>>{{"check", "floor-plan.dxf"}, {"settings"}}) {
+  // Worker processes pass on what they warn of, once however many workers said it.
+  fs::copy_file(project.file("floor-plan.dxf"), project.file("second.dxf"));
+  for (const auto& args : std::vector<std::vector<std::string>>{
+           {"check", "floor-plan.dxf"},
+           {"check", "--jobs", "2", "floor-plan.dxf", "second.dxf"},
+           {"settings"}}) {
+    if (args[0] == "check") std::ofstream(config, std::ios::trunc) << "{\"format\": 1,";
     auto run = project.stcheck(tmp.path(), args);
     if (args[0] == "check") {
-      EXPECT_NE(run.output.find("configuration file config.json is corrupt"), std::string::npos)
-          << run.output;
+      const std::string warning = "configuration file config.json is corrupt";
+      const std::size_t first = run.output.find(warning);
+      EXPECT_NE(first, std::string::npos) << run.output;
+      EXPECT_EQ(run.output.find(warning, first + 1), std::string::npos) << run.output;
     }
     EXPECT_FALSE(fs::exists(config)) << "set aside, and not made again by " << args[0];
   }

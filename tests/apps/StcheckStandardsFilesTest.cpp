@@ -1,9 +1,12 @@
 // How stcheck finds and reads the standards files of a drawing, run as a user runs it: every
 // real drawing against a copy of itself, drawings that cannot hold a list of standards,
-// standards files that are not drawings, and lists of relative paths found from the drawing's
-// folder and the host's support folders wherever stcheck is started.
+// standards files that are not drawings or not even regular files, and lists of relative
+// paths found from the drawing's folder and the host's support folders wherever stcheck is
+// started.
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 #include <fstream>
 #include <iterator>
@@ -151,6 +154,24 @@ TEST(StcheckStandardsFiles, AStandardsFileThatIsNoDrawingStopsTheCheckAsAMissing
     EXPECT_EQ(run.exitCode, 2) << run.output;
     EXPECT_NE(run.output.find(std::string(bad) + " is not a standards drawing"), std::string::npos)
         << run.output;
+  }
+  // What is not a regular file is said to be what it is, in one line, and never read: a FIFO
+  // would block (the time limit fails the test instead), /dev/zero never end.
+  fs::create_directory(temp.path() / "standards");
+  ASSERT_EQ(::mkfifo((temp.path() / "pipe.dws").c_str(), 0600), 0);
+  const std::pair<std::string, std::string> others[] = {
+      {"standards", "is a folder, not a standards drawing"},
+      {"pipe.dws", "is not a regular file (a FIFO), not a standards drawing"},
+      {"/dev/zero", "is not a regular file (a character device), not a standards drawing"},
+      {"gone.dws", "not found"}};
+  for (const auto& [other, says] : others) {
+    for (const std::vector<std::string>& args :
+         {std::vector<std::string>{"check", "plan.dxf", "--standard", other},
+          std::vector<std::string>{"standards", "plan.dxf", "--add", other}}) {
+      auto run = runStcheckIn(temp.path(), config, args, 60);
+      EXPECT_EQ(run.exitCode, 2) << run.output;
+      EXPECT_EQ(run.output, "stcheck: standards file " + other + " " + says + "\n");
+    }
   }
   EXPECT_EQ(readBytes(temp.path() / "plan.dxf"), readBytes(examples / "floor-plan.dxf"));
 }

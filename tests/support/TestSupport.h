@@ -57,12 +57,14 @@ inline ProcessResult runStcheck(const std::vector<std::string>& args) {
 }
 
 // Runs the built stcheck from the folder `cwd` with the configuration file `config`, as a user
-// whose configuration lives there runs it.
+// whose configuration lives there runs it. With `timeoutSeconds`, a run that would hang is
+// stopped then and exits with 124, so that a test fails instead of waiting for ever.
 inline ProcessResult runStcheckIn(const std::filesystem::path& cwd,
                                   const std::filesystem::path& config,
-                                  const std::vector<std::string>& args) {
+                                  const std::vector<std::string>& args, int timeoutSeconds = 0) {
   std::string line = "cd " + shellQuote(cwd.string()) +
                      " && STAUDIT_CONFIG=" + shellQuote(config.string()) + " " +
+                     (timeoutSeconds ? "timeout " + std::to_string(timeoutSeconds) + " " : "") +
                      shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
   for (const auto& a : args) line += " " + shellQuote(a);
   return runCommand(line);

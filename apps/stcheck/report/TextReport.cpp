@@ -4,6 +4,8 @@
 #include <map>
 #include <sstream>
 
+#include "TerminalText.h"
+
 namespace stcheck {
 
 namespace {
@@ -39,22 +41,23 @@ constexpr std::size_t kFixesShown = 5;
 
 void writeProblem(std::ostringstream& out, const ReportProblem& p, const Painter& paint) {
   std::string state = p.fixed       ? paint.green("fixed")
-                      : p.ignored() ? paint.yellow("ignored by " + p.ignoredBy)
+                      : p.ignored() ? paint.yellow("ignored by " + terminalSafe(p.ignoredBy))
                                     : paint.red("problem");
-  out << "    " << state << "  " << paint.bold(p.shownName());
-  if (!p.handle.empty()) out << paint.dim(" [" + p.handle + "]");
-  out << "  " << p.title << "\n";
-  if (!p.description.empty()) out << "      " << p.description << "\n";
+  out << "    " << state << "  " << paint.bold(terminalSafe(p.shownName()));
+  if (!p.handle.empty()) out << paint.dim(" [" + terminalSafe(p.handle) + "]");
+  out << "  " << terminalSafe(p.title) << "\n";
+  if (!p.description.empty()) out << "      " << terminalSafe(p.description) << "\n";
   for (const ReportProperty& prop : p.properties)
-    out << "      " << prop.name << ": " << prop.current << " -> " << prop.standard << "\n";
+    out << "      " << terminalSafe(prop.name) << ": " << terminalSafe(prop.current) << " -> "
+        << terminalSafe(prop.standard) << "\n";
   if (p.fixed) {
-    if (!p.fixedWith.empty()) out << "      fixed with " << p.fixedWith << "\n";
+    if (!p.fixedWith.empty()) out << "      fixed with " << terminalSafe(p.fixedWith) << "\n";
     return;
   }
   for (std::size_t i = 0; i < p.fixes.size() && i < kFixesShown; ++i) {
     const ReportFix& fix = p.fixes[i];
-    out << "      fix: " << fix.name;
-    if (!fix.standardsFile.empty()) out << " (" << fileName(fix.standardsFile) << ")";
+    out << "      fix: " << terminalSafe(fix.name);
+    if (!fix.standardsFile.empty()) out << " (" << terminalSafe(fileName(fix.standardsFile)) << ")";
     if (fix.recommended) out << " " << paint.bold("recommended");
     out << "\n";
   }
@@ -67,18 +70,18 @@ void writeProblem(std::ostringstream& out, const ReportProblem& p, const Painter
 }
 
 void writeDrawing(std::ostringstream& out, const DrawingReport& d, const Painter& paint) {
-  out << paint.bold(d.path) << "\n";
+  out << paint.bold(terminalSafe(d.path)) << "\n";
   if (d.failed()) {
-    out << "  " << paint.red("not checked: ") << d.error << "\n\n";
+    out << "  " << paint.red("not checked: ") << terminalSafe(d.error) << "\n\n";
     return;
   }
   if (!d.standards.empty()) {
     out << "  standards:";
-    for (const std::string& s : d.standards) out << " " << s;
+    for (const std::string& s : d.standards) out << " " << terminalSafe(s);
     out << "\n";
   }
   for (const std::string& s : d.missingStandards)
-    out << "  " << paint.red("missing standards file: ") << s << "\n";
+    out << "  " << paint.red("missing standards file: ") << terminalSafe(s) << "\n";
 
   // Problems grouped by plug-in, plug-ins in the order they reported.
   std::vector<std::string> order;
@@ -92,7 +95,8 @@ void writeDrawing(std::ostringstream& out, const DrawingReport& d, const Painter
     const auto& group = byPlugin[plugin];
     const std::string& name =
         group.front()->pluginName.empty() ? plugin : group.front()->pluginName;
-    out << "  " << paint.bold(name) << paint.dim(" (" + plugin + ")") << "\n";
+    out << "  " << paint.bold(terminalSafe(name)) << paint.dim(" (" + terminalSafe(plugin) + ")")
+        << "\n";
     for (const ReportProblem* p : group) writeProblem(out, *p, paint);
   }
   std::size_t remaining = d.remaining();
@@ -100,9 +104,10 @@ void writeDrawing(std::ostringstream& out, const DrawingReport& d, const Painter
       << d.counts.fixedAutomatically << " fixed automatically, " << d.counts.ignored << " ignored, "
       << (remaining ? paint.red(std::to_string(remaining) + " remaining")
                     : paint.green("0 remaining"));
-  if (!d.backup.empty()) out << "; original kept as " << d.backup;
+  if (!d.backup.empty()) out << "; original kept as " << terminalSafe(d.backup);
   out << "\n";
-  if (!d.notFixed.empty()) out << "  " << paint.red("not fixed: ") << d.notFixed << "\n";
+  if (!d.notFixed.empty())
+    out << "  " << paint.red("not fixed: ") << terminalSafe(d.notFixed) << "\n";
   out << "\n";
 }
 

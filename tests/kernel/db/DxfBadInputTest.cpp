@@ -129,7 +129,20 @@ TEST(DxfBadInput, FilesThatAreNotDxfAreRefusedByKind) {
     EXPECT_EQ(e.code(), eFileNotFound);
     EXPECT_NE(std::string(e.what()).find("missing.dxf"), std::string::npos);
   }
-  EXPECT_THROW(DxfReader::readFile(temp.path()), OdError);
+  // Only regular files are read: a FIFO without a writer would otherwise block for ever.
+  ASSERT_EQ(::mkfifo((temp.path() / "pipe.dxf").c_str(), 0600), 0);
+  const std::pair<fs::path, std::string> others[] = {
+      {temp.path(), " is a folder, not a drawing"},
+      {temp.path() / "pipe.dxf", " is not a regular file (a FIFO), not a drawing"},
+      {"/dev/zero", " is not a regular file (a character device), not a drawing"}};
+  for (const auto& [path, says] : others) {
+    try {
+      DxfReader::readFile(path);
+      ADD_FAILURE() << path << " loaded";
+    } catch (const OdError& e) {
+      EXPECT_EQ(e.what(), path.string() + says);
+    }
+  }
 }
 
 // Every prefix of a real file, and the file with each byte replaced, either loads or fails

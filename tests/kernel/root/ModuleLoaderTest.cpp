@@ -132,6 +132,26 @@ TEST(ModuleLoaderTest, SearchPathFromTheEnvironmentAndBrokenFiles) {
   message = errorOf(eLoadFailed, [&] { linker->loadModule(OdString(L"Garbage.dll"), false); });
   EXPECT_TRUE(contains(message, (dir.path() / "libGarbage.so").string())) << message;
   EXPECT_TRUE(contains(message, "ELF header")) << "no system reason in: " << message;
+
+  // What a configuration names loads from the search path only, and a failure says why
+  // instead of throwing.
+  OdString reason;
+  EXPECT_TRUE(linker->loadFromSearchPath(OdString(L"Garbage.dll"), reason).isNull());
+  EXPECT_TRUE(contains(reason.toUtf8(), (dir.path() / "libGarbage.so").string() + ": "))
+      << reason.toUtf8();
+  EXPECT_TRUE(linker->loadFromSearchPath(OdString(L"Relocated"), reason).isNull());
+  EXPECT_TRUE(contains(reason.toUtf8(), "has no odrxCreateModuleObject")) << reason.toUtf8();
+  // A path is refused even into a folder of the search path (the registry's test covers the
+  // other spellings of a path); a module named by its name alone loads.
+  fs::copy_file(STAUDIT_BIN_DIR "/libRxTestModule.so", dir.path() / "libElsewhere.so");
+  EXPECT_TRUE(
+      linker->loadFromSearchPath(OdString::fromUtf8(STAUDIT_BIN_DIR "/RxTestModule"), reason)
+          .isNull());
+  EXPECT_EQ(reason.toUtf8(), "not on the module search path: " + linker->searchPath()[0].toUtf8() +
+                                 ", /nonexistent, " + dir.path().string());
+  EXPECT_TRUE(linker->loadedModules().isEmpty());
+  ASSERT_FALSE(linker->loadFromSearchPath(OdString(L"Elsewhere.dll"), reason).isNull());
+  EXPECT_TRUE(linker->unloadModule(OdString(L"Elsewhere")));
 }
 
 }  // namespace

@@ -22,7 +22,8 @@ using namespace servicestest;
 
 const std::vector<std::string> kDefaultPlugins{"StDWSLayerPlugin", "StDWSLinetypePlugin",
                                                "StDWSTextstylePlugin", "StDWSDimstylePlugin"};
-const char* const kStandardFailure = "Failed to load  plugin: StStandardPlugins.dll\n";
+// The reason depends on whether the library is built: it may be missing, or lack the module.
+const char* const kStandardFailure = "Failed to load  plugin: StStandardPlugins.dll: ";
 
 std::vector<std::string> registered() {
   std::vector<std::string> names;
@@ -40,7 +41,7 @@ TEST(RegistryTest, FreshTreeGainsTheDefaultRegistrationOnce) {
     ASSERT_TRUE(st::stPluginRegistrator()->getPluginInfo(L"stdwslayerplugin", info));
     EXPECT_EQ(info.className, OdString(L"StDWSLayerPlugin"));
     EXPECT_FALSE(st::stPluginRegistrator()->getPluginInfo(L"StDWSHatchPlugin", info));
-    // The standard library is not built here: reported once, its plug-ins still listed.
+    // The standard library does not load here: reported once, its plug-ins still listed.
     EXPECT_EQ(count(run.output(), kStandardFailure), 1u) << run.output();
   }
   auto tree = config.tree();
@@ -111,20 +112,37 @@ TEST(RegistryTest, LibrariesThatDoNotLoadAreReportedAndStayListed) {
   addLibrary("Pinyin", "插件.dll", "WidePlugin");
   // A file by the right name that is no shared library at all.
   std::ofstream(config.dir() / "libBrokenPlugins.so") << "not a library";
+  // A configuration may come from anywhere: a library it names by a path is not loaded, even
+  // from a folder on the search path, nor one named by its neighbour's folder.
+  const std::string elsewhere = (config.dir() / "libServicesTestPlugins.so").string();
+  std::filesystem::copy_file(std::filesystem::path(STAUDIT_BIN_DIR) / "libServicesTestPlugins.so",
+                             elsewhere);
+  addLibrary("ByPath", elsewhere.c_str(), "PathPlugin");
+  addLibrary("Up", "../ServicesTestPlugins.dll", "UpPlugin");
+  addLibrary("Dots", "..", "DotsPlugin");
   setenv("STAUDIT_MODULE_PATH", config.dir().c_str(), 1);
   HostRun run(config.path());
+  // The registry starts, and loads, on first use.
+  const std::vector<std::string> names = registered();
   unsetenv("STAUDIT_MODULE_PATH");
 
-  EXPECT_EQ(registered(),
-            (std::vector<std::string>{"MissingPlugin", "LoadedPlugin", "BrokenPlugin", "WidePlugin",
-                                      "StDWSLayerPlugin", "StDWSLinetypePlugin",
-                                      "StDWSTextstylePlugin", "StDWSDimstylePlugin"}));
+  EXPECT_EQ(names, (std::vector<std::string>{"MissingPlugin", "LoadedPlugin", "BrokenPlugin",
+                                             "WidePlugin", "PathPlugin", "UpPlugin", "DotsPlugin",
+                                             "StDWSLayerPlugin", "StDWSLinetypePlugin",
+                                             "StDWSTextstylePlugin", "StDWSDimstylePlugin"}));
   const std::string& out = run.output();
-  EXPECT_EQ(count(out, "Failed to load  plugin: NoSuchPlugins.dll\n"), 1u) << out;
-  EXPECT_EQ(count(out, "Failed to load  plugin: BrokenPlugins.dll\n"), 1u) << out;
-  EXPECT_EQ(count(out, "Failed to load  plugin: 插件.dll\n"), 1u) << out;
-  EXPECT_EQ(count(out, "ServicesTestPlugins"), 0u) << out;
-  EXPECT_EQ(count(out, "Failed to load"), 4u) << out;
+  // One line each, naming the library and the loader's reason.
+  const std::string path = std::string(": not on the module search path: ") +
+                           std::filesystem::canonical(STAUDIT_BIN_DIR).string() + ", " +
+                           config.dir().string() + "\n";
+  for (const std::string& line :
+       {std::string("NoSuchPlugins.dll: found no libNoSuchPlugins.so or NoSuchPlugins.so in "),
+        "BrokenPlugins.dll: " + (config.dir() / "libBrokenPlugins.so").string() + ": ",
+        std::string("插件.dll: found no lib插件.so"), elsewhere + path,
+        "../ServicesTestPlugins.dll" + path, ".." + path})
+    EXPECT_EQ(count(out, "Failed to load  plugin: " + line), 1u) << line << "\n" << out;
+  EXPECT_EQ(count(out, "Failed to load"), 7u) << out;
+  EXPECT_EQ(count(out, "\n"), 7u) << out;
 }
 
 TEST(RegistryTest, InUseSwitchSurvivesTheNextHostRun) {
