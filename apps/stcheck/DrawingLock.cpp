@@ -19,7 +19,7 @@ DrawingLock::DrawingLock(const std::filesystem::path& drawing) : drawing_(drawin
     fd_ = ::open(drawing.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (fd_ < 0) {
       const int error = errno;
-      throw OdError(eFileAccessError, drawing.string() + ": cannot open it to fix it: " +
+      throw OdError(eFileAccessError, drawing.string() + ": cannot open it to write it: " +
                                           (error == ELOOP ? std::string("it is a symbolic link")
                                                           : std::string(std::strerror(error))));
     }

@@ -2,12 +2,15 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "DrawingLock.h"
 #include "FileKind.h"
 #include "HeadlessHost.h"
 #include "ModuleHost.h"
+#include "OdAtomicFile.h"
 #include "OdDbDatabase.h"
 #include "OdError.h"
 #include "OdResBuf.h"
@@ -75,6 +78,9 @@ int runStandards(const StandardsOptions& options) {
   }
   try {
     ModuleHost module(ModuleHost::Config::kPrivateCopy);
+    // A change is written back: the drawing is held from reading to writing, as --fix does.
+    std::optional<DrawingLock> lock;
+    if (options.clear || !options.add.empty() || !options.remove.empty()) lock.emplace(drawing);
     HostDocument* doc = module.host().openDrawing(drawing);
     st::StDbReaderWriterPtr association = st::StDbReaderWriter::createObject();
     association->setDatabase(doc->database());
@@ -115,7 +121,9 @@ int runStandards(const StandardsOptions& options) {
       for (const std::string& f : files) list.push_back(OdString::fromUtf8(f));
       if (!association->writeStandardFiles(list))
         throw OdError(eInvalidInput, whyNoList(*doc->database(), options.drawing));
-      module.host().app().documents().saveDocument(doc);
+      OdAtomicFile::Options unchanged;
+      unchanged.expected = lock->stamp();
+      module.host().app().documents().saveDocument(doc, OdString(), unchanged);
     }
     for (const std::string& f : files) {
       const OdString found = st::StStandardsPaths::resolve(OdString::fromUtf8(f), doc->database());

@@ -55,6 +55,17 @@ bool isTemporaryName(const std::string& name) {
 
 OdAtomicFile::OdAtomicFile(std::filesystem::path target, Options options)
     : target_(std::move(target)), options_(std::move(options)) {
+  // As an editor does, a file the user may not write is not replaced, even where the folder
+  // would allow it.
+  if (std::optional<OdFileStamp> existing = OdFileStamp::of(target_);
+      existing && existing->isRegularFile()) {
+    if ((existing->mode & 0222) == 0)
+      throw OdError(eFileWriteError, "cannot write " + target_.string() + ": it is read-only");
+    if (::access(target_.c_str(), W_OK) != 0) {
+      const int error = errno;
+      fail(error, "");
+    }
+  }
   std::string pattern =
       (folderOf(target_) / ("." + shortened(target_.filename().string(), kNameBytes) + ".XXXXXX" +
                             std::string(kSuffix)))

@@ -43,7 +43,8 @@ class OdAtomicFile {
     std::function<void()> beforeRename;
   };
 
-  // Creates the temporary file. Throws when it cannot be created.
+  // Creates the temporary file. Throws when it cannot be created, or when the file at the
+  // target is one the user may not write (read-only, or on a read-only disk).
   explicit OdAtomicFile(std::filesystem::path target, Options options = {});
   // Removes the temporary file unless committed.
   ~OdAtomicFile();

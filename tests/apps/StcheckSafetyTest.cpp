@@ -194,6 +194,10 @@ TEST_F(StcheckSafety, DrawingsThatMayNotBeWrittenAreReportedUnfixed) {
                                   : "10 9 None it is a symbolic link to " +
                                         file("plan.dxf").string() + ": fix the file it leads to\n");
   }
+  // Changing its list of standards files is refused the same way.
+  auto listed = stcheck({"standards", "plan.dxf", "--clear"});
+  EXPECT_EQ(listed.exitCode, 2);
+  EXPECT_NE(listed.output.find("plan.dxf: it is read-only"), std::string::npos) << listed.output;
   EXPECT_EQ(readBytes(file("plan.dxf")), original("floor-plan"));
   EXPECT_FALSE(fs::exists(file("plan.bak")));
 

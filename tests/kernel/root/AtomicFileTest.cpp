@@ -60,6 +60,11 @@ TEST(AtomicFile, ACommitThatIsRefusedLeavesEverythingAsItWas) {
   }
   EXPECT_EQ(readBytes(target), "old and theirs");
 
+  // A file the user made read-only is not replaced.
+  fs::permissions(target, fs::perms::owner_read);
+  EXPECT_THROW(OdAtomicFile{target}, OdError);
+  fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write);
+
   // A writer that goes away uncommitted leaves nothing behind.
   { OdAtomicFile(target).write("dropped"); }
   EXPECT_EQ(namesIn(dir.path()), std::vector<std::string>{"plan.dxf"});
