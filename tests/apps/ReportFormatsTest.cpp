@@ -100,6 +100,9 @@ TEST(ReportModel, ExitCodeSaysWorstOutcome) {
   CheckReport run = sampleRun();
   EXPECT_EQ(run.exitCode(), 2);
   run.drawings.pop_back();
+  run.drawings[1].notFixed = "it is read-only";  // checked, but --fix could not write it
+  EXPECT_EQ(run.exitCode(), 2);
+  run.drawings[1].notFixed.clear();
   EXPECT_EQ(run.exitCode(), 1);
   EXPECT_EQ(run.drawings[0].remaining(), 1u);
   run.drawings[0].problems[0].ignoredBy = "bob";
@@ -108,6 +111,7 @@ TEST(ReportModel, ExitCodeSaysWorstOutcome) {
 
 TEST(JsonReportFormat, ReadsBackWhatItWrote) {
   CheckReport run = sampleRun();
+  run.drawings[1].notFixed = "it is read-only";
   CheckReport back = JsonReport::read(JsonReport::write(run));
   ASSERT_EQ(back.drawings.size(), 3u);
   EXPECT_EQ(back.toolVersion, "1.2.3");
@@ -115,6 +119,7 @@ TEST(JsonReportFormat, ReadsBackWhatItWrote) {
   EXPECT_EQ(back.drawings[0].problems[2].ignoredBy, "alice");
   EXPECT_EQ(back.drawings[0].problems[0].moreFixes, 3u);
   EXPECT_EQ(back.drawings[2].error, run.drawings[2].error);
+  EXPECT_EQ(back.drawings[1].notFixed, "it is read-only");
 }
 
 TEST(JsonReportFormat, RefusesOtherDocumentsNamingTheField) {

@@ -85,25 +85,22 @@ std::string SarifReport::write(const CheckReport& report) {
   ordered results = ordered::array();
   ordered notifications = ordered::array();
   bool allRead = true;
+  // A drawing the run could not check, or could not write back.
+  auto fault = [&](const DrawingReport& d, const std::string& text) {
+    allRead = false;
+    ordered n;
+    n["level"] = "error";
+    n["message"]["text"] = text;
+    n["locations"] = ordered::array({location(d, nullptr)});
+    notifications.push_back(n);
+  };
   for (const DrawingReport& d : report.drawings) {
     if (d.failed()) {
-      allRead = false;
-      ordered n;
-      n["level"] = "error";
-      n["message"]["text"] = "not checked: " + d.error;
-      n["locations"] = ordered::array({location(d, nullptr)});
-      notifications.push_back(n);
+      fault(d, "not checked: " + d.error);
       continue;
     }
     for (const ReportProblem& p : d.problems) results.push_back(result(d, p, ruleIndex[p.plugin]));
-    if (!d.notFixed.empty()) {
-      allRead = false;
-      ordered n;
-      n["level"] = "error";
-      n["message"]["text"] = "not fixed: " + d.notFixed;
-      n["locations"] = ordered::array({location(d, nullptr)});
-      notifications.push_back(n);
-    }
+    if (!d.notFixed.empty()) fault(d, "not fixed: " + d.notFixed);
   }
 
   ordered run;
