@@ -184,14 +184,15 @@ TEST_F(StcheckSafety, DrawingsThatMayNotBeWrittenAreReportedUnfixed) {
   for (const std::string name : {"plan.dxf", "link.dxf"}) {
     auto run = stcheck({"check", name, "--fix", "--format", "json", "-o", "r.json"});
     EXPECT_EQ(run.exitCode, 2) << run.output;
-    auto summary = runCommand(std::string(STAUDIT_PYTHON) + " -c " +
-                              shellQuote("import json,sys\nd=json.load(open(sys.argv[1]))"
-                                         "['drawings'][0]\nprint(d['counts']['found'], "
-                                         "d['remaining'], d['backup'], d['notFixed'])") +
-                              " " + shellQuote(file("r.json").string()));
+    auto summary = runCommand(
+        std::string(STAUDIT_PYTHON) + " -c " +
+        shellQuote("import json,sys\nd=json.load(open(sys.argv[1]))"
+                   "['drawings'][0]\nprint(d['counts']['found'], "
+                   "d['remaining'], d['counts']['ignored'], d['backup'], d['notFixed'])") +
+        " " + shellQuote(file("r.json").string()));
     EXPECT_EQ(summary.output, name == "plan.dxf"
-                                  ? "10 9 None it is read-only\n"
-                                  : "10 9 None it is a symbolic link to " +
+                                  ? "10 9 1 None it is read-only\n"
+                                  : "10 9 1 None it is a symbolic link to " +
                                         file("plan.dxf").string() + ": fix the file it leads to\n");
   }
   // Changing its list of standards files is refused the same way.

@@ -212,10 +212,19 @@ TEST(StcheckStandardsFiles, RelativePathsAreFoundFromTheDrawingThenTheSupportFol
   ASSERT_EQ(run.exitCode, 0) << run.output;
   fs::remove(temp.path() / "project/site.dws");
 
+  // Missing, it is reported with every place it was looked for.
+  const std::string beside = (temp.path() / "project/site.dws").string();
   run = runStcheckIn(temp.path() / "elsewhere", unset, {"check", "../project/plan.dxf"});
   EXPECT_EQ(run.exitCode, 2) << run.output;
-  EXPECT_NE(run.output.find((temp.path() / "project/site.dws").string()), std::string::npos)
+  EXPECT_NE(run.output.find("not found: site.dws (looked for " + beside + ")"), std::string::npos)
       << run.output;
+  fs::rename(temp.path() / "office/site.dws", temp.path() / "site.dws");
+  run = runStcheckIn(temp.path() / "elsewhere", config, {"check", "../project/plan.dxf"});
+  EXPECT_NE(run.output.find("(looked for " + beside + ", /nonexistent/site.dws, " +
+                            (temp.path() / "office/site.dws").string() + ")"),
+            std::string::npos)
+      << run.output;
+  fs::rename(temp.path() / "site.dws", temp.path() / "office/site.dws");
   run = runStcheckIn(temp.path() / "elsewhere", config, {"check", "../project/plan.dxf"});
   EXPECT_EQ(run.exitCode, 1) << run.output;
   EXPECT_EQ(run.output.find("not found"), std::string::npos) << run.output;
