@@ -5,9 +5,11 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include "OdError.h"
+#include "TerminalText.h"
 
 namespace stcheck {
 
@@ -29,7 +31,11 @@ DrawingLock::DrawingLock(const std::filesystem::path& drawing) : drawing_(drawin
       fd_ = -1;
       throw OdError(eFileAccessError, drawing.string() + ": not a regular file");
     }
-    while (::flock(fd_, LOCK_EX) != 0 && errno == EINTR) {
+    if (::flock(fd_, LOCK_EX | LOCK_NB) != 0) {
+      std::fprintf(stderr, "stcheck: %s is being written by another stcheck run; waiting for it\n",
+                   terminalSafe(drawing.string()).c_str());
+      while (::flock(fd_, LOCK_EX) != 0 && errno == EINTR) {
+      }
     }
     std::optional<OdFileStamp> locked = OdFileStamp::ofOpen(fd_);
     std::optional<OdFileStamp> named = OdFileStamp::of(drawing);

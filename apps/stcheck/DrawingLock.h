@@ -13,8 +13,9 @@ namespace stcheck {
 // what the write requires the file to still be in.
 class DrawingLock {
  public:
-  // Waits for the drawing; throws OdError naming the drawing when it cannot be opened or is
-  // not a regular file. A link is not followed: a drawing that is a link is not fixed.
+  // Waits for the drawing (saying so on standard error when another run holds it); throws OdError
+  // naming the drawing when it cannot be opened or is not a regular file. A link is not followed: a
+  // drawing that is a link is not fixed.
   explicit DrawingLock(const std::filesystem::path& drawing);
   ~DrawingLock();
   DrawingLock(const DrawingLock&) = delete;

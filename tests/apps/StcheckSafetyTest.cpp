@@ -3,8 +3,10 @@
 // larger drawing made from it with ezdxf) in a temporary folder, killed at random moments,
 // run twice at once, and pointed at links, read-only files, full and read-only disks.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -77,13 +79,15 @@ class StcheckSafety : public ::testing::Test {
   ProcessResult stcheck(const std::vector<std::string>& args) const {
     return testsupport::runStcheckIn(temp_.path(), temp_.path() / "config.json", args);
   }
-  // Starts stcheck in the test's folder with TMPDIR in the test's folder; output discarded.
-  pid_t start(const std::vector<std::string>& args) const {
+  // Starts stcheck in the test's folder with TMPDIR in the test's folder, its output going to
+  // the file `log` (discarded when empty).
+  pid_t start(const std::vector<std::string>& args, const std::string& log = "") const {
     std::string line =
         "cd " + shellQuote(temp_.path().string()) + " && TMPDIR=" + shellQuote(tmp().string()) +
         " STAUDIT_CONFIG=config.json exec " + shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
     for (const auto& a : args) line += " " + shellQuote(a);
-    line += " >/dev/null 2>&1";
+    line +=
+        " >" + (log.empty() ? std::string("/dev/null") : shellQuote(file(log).string())) + " 2>&1";
     pid_t pid = fork();
     if (pid == 0) {
       execl("/bin/sh", "sh", "-c", line.c_str(), static_cast<char*>(nullptr));
@@ -256,6 +260,21 @@ TEST_F(StcheckSafety, AnotherUsersDrawingKeepsItsOwnerGroupAndMode) {
 }
 
 TEST_F(StcheckSafety, TwoFixesAtOnceTakeTurnsAndKeepTheOriginal) {
+  // A run waits, saying so, while another holds the drawing.
+  copy("floor-plan", "plan.dxf");
+  int held = ::open(file("plan.dxf").c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_EQ(::flock(held, LOCK_EX), 0);
+  pid_t waiting = start({"check", "plan.dxf", "--fix"}, "waiting.log");
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  EXPECT_EQ(waitpid(waiting, nullptr, WNOHANG), 0) << "did not wait";
+  EXPECT_EQ(readBytes(file("plan.dxf")), original("floor-plan"));
+  ::close(held);
+  int status = 0;
+  waitpid(waiting, &status, 0);
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+  EXPECT_NE(readBytes(file("waiting.log")).find("being written by another stcheck run"),
+            std::string::npos);
+
   for (int trial = 0; trial < 5; ++trial) {
     copy("floor-plan-large", "plan.dxf");
     fs::remove(file("plan.bak"));
