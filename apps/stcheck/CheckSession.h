@@ -29,9 +29,14 @@ struct CheckOptions {
 // the host's own silent check does: the drawing is opened as a document, the module gives it
 // its check manager, and the module's silent check runs with the settings of this run.
 //
-// The host works on a private copy of the user's configuration (taken when the session
-// starts), so the plug-in registry and settings are the user's, while the settings this run
-// needs (automatic fixing, showing ignored problems) are never written back.
+// The host reads the user's configuration and never writes it (ModuleHost::kPrivateCopy), so
+// the plug-in registry and settings are the user's, while the settings this run needs
+// (automatic fixing, collecting ignored problems) stay in memory.
+//
+// With --fix, a drawing is written back only through CheckSession's own guarded path: locked
+// from reading to writing, its original kept as its backup from the bytes that were checked,
+// and left as it is when it may not be written (the problems are then reported unfixed, with
+// the reason in `notFixed`).
 //
 // One session per process: the host and the module are process-wide. Throws OdError when the
 // module cannot be loaded.
