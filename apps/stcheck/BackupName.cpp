@@ -18,13 +18,6 @@ std::string lower(std::string text) {
   return text;
 }
 
-// Files whose backup a CAD program names NAME.bak as well.
-bool isDrawingName(const fs::path& name) {
-  static const std::array<std::string, 4> kExtensions = {".dxf", ".dwg", ".dws", ".dwt"};
-  const std::string ext = lower(name.extension().string());
-  return std::find(kExtensions.begin(), kExtensions.end(), ext) != kExtensions.end();
-}
-
 fs::path shortForm(const fs::path& drawing) {
   fs::path bak = drawing;
   bak.replace_extension(".bak");
@@ -55,6 +48,16 @@ fs::path BackupName::of(const fs::path& drawing) {
       return longForm(drawing);
   }
   return shared;
+}
+
+bool BackupName::isDrawingName(const fs::path& name) {
+  static const std::array<std::string, 4> kExtensions = {".dxf", ".dwg", ".dws", ".dwt"};
+  const std::string ext = lower(name.extension().string());
+  return std::find(kExtensions.begin(), kExtensions.end(), ext) != kExtensions.end();
+}
+
+bool BackupName::isBackupName(const fs::path& name) {
+  return lower(name.extension().string()) == ".bak";
 }
 
 std::vector<fs::path> BackupName::candidates(const fs::path& drawing) {

@@ -15,6 +15,11 @@ class BackupName {
   static std::filesystem::path of(const std::filesystem::path& drawing);
   // Every name the backup of `drawing` may take, whatever its folder holds.
   static std::vector<std::filesystem::path> candidates(const std::filesystem::path& drawing);
+  // A name CAD users give drawings, standards files and templates (.dxf, .dwg, .dws, .dwt in
+  // any case), whose backups share NAME.bak.
+  static bool isDrawingName(const std::filesystem::path& name);
+  // A backup's name: ".bak" in any case.
+  static bool isBackupName(const std::filesystem::path& name);
 };
 
 }  // namespace stcheck

@@ -101,9 +101,8 @@ std::string whyNotWritable(const std::filesystem::path& drawing) {
     return "it is a symbolic link to " + std::filesystem::read_symlink(drawing, ec).string() +
            ": fix the file it leads to";
   if (!stamp->isRegularFile()) return std::string();
-  if ((stamp->mode & 0222) == 0) return "it is read-only";
-  if (::access(drawing.c_str(), W_OK) != 0)
-    return std::string("it cannot be written (") + std::strerror(errno) + ")";
+  if (std::string refusal = OdAtomicFile::whyNotReplaceable(drawing); !refusal.empty())
+    return refusal;
   const std::filesystem::path folder = drawing.parent_path();
   if (::access(folder.c_str(), W_OK | X_OK) != 0)
     return "its folder " + folder.string() + " is not writable (" + std::strerror(errno) + ")";

@@ -1,11 +1,14 @@
 #include "DrawingFinder.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cctype>
+#include <optional>
 #include <set>
 #include <system_error>
 
-#include "FileKind.h"
+#include "OdFileStamp.h"
 
 namespace stcheck {
 
@@ -32,10 +35,10 @@ DrawingFinder::Found DrawingFinder::find(const std::vector<std::string>& paths) 
   for (const std::string& arg : paths) {
     std::filesystem::path path(arg);
     std::error_code ec;
-    auto status = std::filesystem::status(path, ec);
-    if (ec || !std::filesystem::exists(status)) {
+    const std::optional<OdFileStamp> file = OdFileStamp::ofTarget(path);
+    if (!file) {
       found.missing.emplace_back(arg, "no such file or folder");
-    } else if (std::filesystem::is_directory(status)) {
+    } else if (S_ISDIR(file->mode)) {
       std::vector<std::filesystem::path> inFolder;
       auto options = std::filesystem::directory_options::skip_permission_denied;
       for (auto it = std::filesystem::recursive_directory_iterator(path, options, ec);
@@ -48,7 +51,7 @@ DrawingFinder::Found DrawingFinder::find(const std::vector<std::string>& paths) 
       }
       std::sort(inFolder.begin(), inFolder.end());
       for (const auto& p : inFolder) add(p);
-    } else if (const char* kind = fileKindName(status.type())) {
+    } else if (const char* kind = OdFileStamp::kindOf(file->mode)) {
       // Reading a FIFO or a device could block or never end; only regular files are drawings.
       found.missing.emplace_back(
           arg, std::string("is not a regular file (") + kind + "), not a drawing");

@@ -2,10 +2,10 @@
 
 #include <sys/stat.h>
 
-#include <cctype>
 #include <fstream>
 #include <system_error>
 
+#include "BackupName.h"
 #include "OdAtomicFile.h"
 #include "OdError.h"
 
@@ -29,13 +29,6 @@ bool sameInode(const fs::path& a, const fs::path& b) {
          sa.st_ino == sb.st_ino;
 }
 
-// A name a CAD user gives drawings, standards files and backups, whatever its case.
-bool hasDrawingExtension(const fs::path& path) {
-  std::string ext = path.extension().string();
-  for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return ext == ".dxf" || ext == ".dws" || ext == ".dwg" || ext == ".dwt" || ext == ".bak";
-}
-
 // The file begins as a DXF drawing does, in either form.
 bool looksLikeDrawing(const fs::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -54,7 +47,8 @@ bool looksLikeDrawing(const fs::path& path) {
 ReportTarget::ReportTarget(fs::path output)
     : output_(std::move(output)), canonical_(canonicalOf(output_)) {
   // Whatever the run reads, a report never goes over a drawing, standards file or backup.
-  if (hasDrawingExtension(output_) || looksLikeDrawing(output_))
+  if (BackupName::isDrawingName(output_) || BackupName::isBackupName(output_) ||
+      looksLikeDrawing(output_))
     refusal_ = "the report cannot be written to " + output_.string() +
                ": that is the name of a drawing, a standards file or a backup";
 }

@@ -43,8 +43,8 @@ void StopSignals::install() {
   action.sa_handler = onStop;
   // One stop at a time: the other stop signals wait until the first has cleaned up.
   sigemptyset(&action.sa_mask);
-  for (int s : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) sigaddset(&action.sa_mask, s);
-  for (int s : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+  for (int s : kSignals) sigaddset(&action.sa_mask, s);
+  for (int s : kSignals) {
     struct sigaction old {};
     ::sigaction(s, nullptr, &old);
     // A signal ignored by whoever started the run (nohup) stays ignored.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <signal.h>
 #include <sys/types.h>
 
 namespace stcheck {
@@ -13,6 +14,8 @@ namespace stcheck {
 class StopSignals {
  public:
   static constexpr int kMaxWorkers = 256;
+  // The signals that stop a run.
+  static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
 
   // Installs the handlers; once per process, before any work.
   static void install();

@@ -57,7 +57,7 @@ pid_t spawn(const WorkerPool::Task& task, const std::filesystem::path& log, std:
     int failure = 0;
     struct sigaction fallback {};
     fallback.sa_handler = SIG_DFL;
-    for (int s : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+    for (int s : StopSignals::kSignals) {
       struct sigaction old {};
       ::sigaction(s, nullptr, &old);
       if (old.sa_handler != SIG_IGN) ::sigaction(s, &fallback, nullptr);

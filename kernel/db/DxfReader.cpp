@@ -13,6 +13,7 @@
 #include "DxfByteScan.h"
 #include "DxfGroupCode.h"
 #include "OdError.h"
+#include "OdFileStamp.h"
 
 namespace {
 
@@ -116,17 +117,6 @@ const char* typeName(DxfValueType type) {
   }
 }
 
-// What a file that is not a regular file is, for a message; null for a regular file.
-const char* otherKindOfFile(mode_t mode) {
-  if (S_ISREG(mode)) return nullptr;
-  if (S_ISDIR(mode)) return "a folder";
-  if (S_ISFIFO(mode)) return "a FIFO";
-  if (S_ISSOCK(mode)) return "a socket";
-  if (S_ISCHR(mode)) return "a character device";
-  if (S_ISBLK(mode)) return "a block device";
-  return "an unknown kind of file";
-}
-
 DxfFileBytes readWholeFile(const std::filesystem::path& path) {
   const std::string name = path.string();
   // Without O_NONBLOCK, opening a FIFO waits for a writer that may never come; nothing is
@@ -144,7 +134,7 @@ DxfFileBytes readWholeFile(const std::filesystem::path& path) {
   struct stat info {};
   if (::fstat(fd, &info) != 0)
     throw OdError(eFileAccessError, "cannot read " + name + ": " + std::strerror(errno));
-  if (const char* kind = otherKindOfFile(info.st_mode)) {
+  if (const char* kind = OdFileStamp::kindOf(info.st_mode)) {
     if (S_ISDIR(info.st_mode))
       throw OdError(eFileAccessError, name + " is a folder, not a drawing");
     throw OdError(eFileAccessError, name + " is not a regular file (" + kind + "), not a drawing");

@@ -55,17 +55,8 @@ bool isTemporaryName(const std::string& name) {
 
 OdAtomicFile::OdAtomicFile(std::filesystem::path target, Options options)
     : target_(std::move(target)), options_(std::move(options)) {
-  // As an editor does, a file the user may not write is not replaced, even where the folder
-  // would allow it.
-  if (std::optional<OdFileStamp> existing = OdFileStamp::of(target_);
-      existing && existing->isRegularFile()) {
-    if ((existing->mode & 0222) == 0)
-      throw OdError(eFileWriteError, "cannot write " + target_.string() + ": it is read-only");
-    if (::access(target_.c_str(), W_OK) != 0) {
-      const int error = errno;
-      fail(error, "");
-    }
-  }
+  if (std::string refusal = whyNotReplaceable(target_); !refusal.empty())
+    throw OdError(eFileWriteError, "cannot write " + target_.string() + ": " + refusal);
   std::string pattern =
       (folderOf(target_) / ("." + shortened(target_.filename().string(), kNameBytes) + ".XXXXXX" +
                             std::string(kSuffix)))
@@ -168,6 +159,19 @@ void OdAtomicFile::commit() {
   temp_.clear();
   discard();
   syncFolder(folderOf(target_));
+}
+
+std::string OdAtomicFile::whyNotReplaceable(const std::filesystem::path& target) {
+  // As an editor does, a file the user may not write is not replaced, even where the folder
+  // would allow it.
+  std::optional<OdFileStamp> existing = OdFileStamp::of(target);
+  if (!existing || !existing->isRegularFile()) return std::string();
+  if ((existing->mode & 0222) == 0) return "it is read-only";
+  if (::access(target.c_str(), W_OK) != 0) {
+    const int error = errno;
+    return "it cannot be written (" + systemReason(error) + ")";
+  }
+  return std::string();
 }
 
 std::size_t OdAtomicFile::removeStale(const std::filesystem::path& folder,

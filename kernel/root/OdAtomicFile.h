@@ -64,6 +64,10 @@ class OdAtomicFile {
   // Puts the new file in place (see Options); afterwards the object holds nothing.
   void commit();
 
+  // Why a regular file at `target` may not be replaced ("it is read-only", "it cannot be
+  // written (Read-only file system)"); empty when it may, or when there is none. Never throws.
+  static std::string whyNotReplaceable(const std::filesystem::path& target);
+
   // Removes what writers of this user that died left in `folder`: temporary files of this
   // class that no live writer holds and that were last written more than `minAge` ago.
   // Never throws; returns how many files it removed.

@@ -33,6 +33,22 @@ std::optional<OdFileStamp> OdFileStamp::ofOpen(int fd) {
   return fromStat(st);
 }
 
+std::optional<OdFileStamp> OdFileStamp::ofTarget(const std::filesystem::path& path) {
+  struct stat st {};
+  if (::stat(path.c_str(), &st) != 0) return std::nullopt;
+  return fromStat(st);
+}
+
+const char* OdFileStamp::kindOf(mode_t mode) {
+  if (S_ISREG(mode)) return nullptr;
+  if (S_ISDIR(mode)) return "a folder";
+  if (S_ISFIFO(mode)) return "a FIFO";
+  if (S_ISSOCK(mode)) return "a socket";
+  if (S_ISCHR(mode)) return "a character device";
+  if (S_ISBLK(mode)) return "a block device";
+  return "an unknown kind of file";
+}
+
 bool OdFileStamp::sameState(const OdFileStamp& other) const {
   return device == other.device && inode == other.inode && size == other.size &&
          sameTime(modified, other.modified) && sameTime(changed, other.changed);

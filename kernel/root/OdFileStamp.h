@@ -23,6 +23,13 @@ struct OdFileStamp {
   static std::optional<OdFileStamp> of(const std::filesystem::path& path);
   // The open file `fd`; nullopt when it cannot be examined.
   static std::optional<OdFileStamp> ofOpen(int fd);
+  // The file a path leads to, following links; nullopt when there is none.
+  static std::optional<OdFileStamp> ofTarget(const std::filesystem::path& path);
+
+  // What a file of `mode` is when it is not a regular file, for messages: "a folder", "a
+  // FIFO", "a character device", ...; null for a regular file. Only regular files are read
+  // as drawings: a FIFO could block and a device never end.
+  static const char* kindOf(mode_t mode);
 
   bool isRegularFile() const { return S_ISREG(mode); }
   bool isLink() const { return S_ISLNK(mode); }
