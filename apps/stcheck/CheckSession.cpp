@@ -104,8 +104,10 @@ std::string whyNotWritable(const std::filesystem::path& drawing) {
   if (std::string refusal = OdAtomicFile::whyNotReplaceable(drawing); !refusal.empty())
     return refusal;
   const std::filesystem::path folder = drawing.parent_path();
-  if (::access(folder.c_str(), W_OK | X_OK) != 0)
-    return "its folder " + folder.string() + " is not writable (" + std::strerror(errno) + ")";
+  if (::access(folder.c_str(), W_OK | X_OK) != 0) {
+    const int error = errno;
+    return "its folder " + folder.string() + " is not writable (" + std::strerror(error) + ")";
+  }
   if (::geteuid() != 0) {
     // A rewritten drawing is a new file, which only the superuser can give to another user or
     // put in a group the writer is not in.
@@ -282,8 +284,8 @@ DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, Draw
   for (const ReportProblem& p : report.problems) fixedSome |= p.fixed;
   if (fixing && fixedSome) {
     try {
-      writeFixed(*doc, *lock, absolute);
-      report.backup = (drawing.parent_path() / BackupName::of(absolute).filename()).string();
+      const std::filesystem::path backup = writeFixed(*doc, *lock, absolute);
+      report.backup = (drawing.parent_path() / backup.filename()).string();
     } catch (const OdError& e) {
       forgetFixes(report);
       report.notFixed = e.description().toUtf8();
@@ -292,14 +294,15 @@ DrawingReport CheckSession::checkOpen(const std::filesystem::path& drawing, Draw
   return report;
 }
 
-void CheckSession::writeFixed(HostDocument& doc, const DrawingLock& lock,
-                              const std::filesystem::path& drawing) {
+std::filesystem::path CheckSession::writeFixed(HostDocument& doc, const DrawingLock& lock,
+                                               const std::filesystem::path& drawing) {
   // The original is kept from the bytes that were checked, not from the file as it is now;
   // it is put in place only when the fixed drawing is complete and about to replace the
   // original, so a failure or a kill on the way leaves both files as they were.
   OdAtomicFile::Options keep;
   keep.attributes = lock.stamp();
-  OdAtomicFile backup(BackupName::of(drawing), keep);
+  const std::filesystem::path backupPath = BackupName::of(drawing);
+  OdAtomicFile backup(backupPath, keep);
   backup.write(doc.database()->originalBytes());
   backup.prepare();
   OdAtomicFile::Options replace;
@@ -307,6 +310,7 @@ void CheckSession::writeFixed(HostDocument& doc, const DrawingLock& lock,
   replace.attributes = lock.stamp();
   replace.beforeRename = [&] { backup.commit(); };
   module_->host().app().documents().saveDocument(&doc, OdString(), replace);
+  return backupPath;
 }
 
 }  // namespace stcheck

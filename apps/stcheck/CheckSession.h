@@ -53,9 +53,11 @@ class CheckSession {
 
  private:
   DrawingReport checkOpen(const std::filesystem::path& drawing, DrawingReport& report);
-  // Writes the fixed drawing over `drawing`, keeping the original as its backup; throws
-  // OdError naming the file and the reason, and then both files are as they were.
-  void writeFixed(HostDocument& doc, const DrawingLock& lock, const std::filesystem::path& drawing);
+  // Writes the fixed drawing over `drawing`, keeping the original as its backup, and returns
+  // where the backup went; throws OdError naming the file and the reason, and then both
+  // files are as they were.
+  std::filesystem::path writeFixed(HostDocument& doc, const DrawingLock& lock,
+                                   const std::filesystem::path& drawing);
 
   CheckOptions options_;
   std::set<std::filesystem::path> swept_;  // folders already rid of stale temporary files

@@ -44,8 +44,7 @@ int copyWithForeignRecord(const fs::path& from, const fs::path& to, const std::s
 class Project {
  public:
   Project() {
-    auto made = runCommand(shellQuote(std::string(STAUDIT_BIN_DIR) + "/make_examples") + " " +
-                           shellQuote(dir().string()));
+    auto made = testsupport::makeExamples(dir());
     EXPECT_EQ(made.exitCode, 0) << made.output;
   }
   const fs::path& dir() const { return temp_.path(); }

@@ -35,8 +35,7 @@ class StcheckSafety : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     examples_ = new testsupport::TempDir;
-    auto made = runCommand(shellQuote(std::string(STAUDIT_BIN_DIR) + "/make_examples") + " " +
-                           shellQuote(examples_->path().string()));
+    auto made = testsupport::makeExamples(examples_->path());
     ASSERT_EQ(made.exitCode, 0) << made.output;
     auto big = testsupport::ezdxf(
         "d = ezdxf.readfile(path)\nm = d.modelspace()\n"
@@ -58,9 +57,16 @@ class StcheckSafety : public ::testing::Test {
     examples_ = nullptr;
   }
 
-  void SetUp() override {
+  void SetUp() override { copyStandards(examples_->path(), temp_.path()); }
+
+  // The example's standards files, which its drawings name, from `from` into `to`.
+  static void copyStandards(const fs::path& from, const fs::path& to) {
     for (const char* name : {"office-standards.dws", "site-standards.dws"})
-      fs::copy_file(examples_->path() / name, file(name));
+      fs::copy_file(from / name, to / name, fs::copy_options::overwrite_existing);
+  }
+  // Makes what runs killed outright left look an hour old: stale to the next run.
+  static void age(const std::vector<std::string>& files) {
+    for (const std::string& f : files) runCommand("touch -d '1 hour ago' " + shellQuote(f));
   }
 
   static std::string original(const std::string& name) {
@@ -210,8 +216,7 @@ TEST_F(StcheckSafety, DrawingsThatMayNotBeWrittenAreReportedUnfixed) {
   const fs::path disk = file("disk");
   if (!mountTmpfs(disk, "size=4m")) GTEST_SKIP() << "cannot mount a tmpfs here (not root)";
   copy("floor-plan", "disk/plan.dxf");
-  for (const char* name : {"office-standards.dws", "site-standards.dws"})
-    fs::copy_file(file(name), disk / name);
+  copyStandards(temp_.path(), disk);
   ASSERT_EQ(::mount(nullptr, disk.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
   auto run = stcheck({"check", "disk/plan.dxf", "--fix"});
   ::umount(disk.c_str());
@@ -229,8 +234,7 @@ TEST_F(StcheckSafety, AFullDiskLosesNeitherTheDrawingNorTheLastBackup) {
     GTEST_SKIP() << "cannot mount a tmpfs here (not root)";
   copy("floor-plan-large", "disk/plan.dxf");
   std::ofstream(disk / "plan.bak", std::ios::binary) << original("floor-plan-large");
-  for (const char* name : {"office-standards.dws", "site-standards.dws"})
-    fs::copy_file(file(name), disk / name);
+  copyStandards(temp_.path(), disk);
   auto run = stcheck({"check", "disk/plan.dxf", "--fix"});
   const std::string drawing = readBytes(disk / "plan.dxf"), backup = readBytes(disk / "plan.bak");
   const auto left = leftovers(disk);
@@ -322,8 +326,7 @@ TEST_F(StcheckSafety, AKilledFixLeavesWholeFilesAndNoTemporaryOnes) {
   }
   EXPECT_GT(killedMidway, 0);
   // What killed runs left is old news to the next run in that folder.
-  for (const std::string& left : leftovers(temp_.path()))
-    runCommand("touch -d '1 hour ago' " + shellQuote(left));
+  age(leftovers(temp_.path()));
   copy("floor-plan", "plan.dxf");
   auto run = stcheck({"check", "plan.dxf", "--fix"});
   EXPECT_EQ(run.exitCode, 1) << run.output;
@@ -338,8 +341,7 @@ TEST_F(StcheckSafety, StoppingAJobsRunStopsItsWorkers) {
   const std::string before = original("floor-plan-large"), after = fixed("floor-plan-large");
   for (int signal : {SIGTERM, SIGKILL}) {
     for (int i = 0; i < 30; ++i) copy("floor-plan-large", "plans/p" + std::to_string(i) + ".dxf");
-    for (const char* name : {"office-standards.dws", "site-standards.dws"})
-      fs::copy_file(file(name), file("plans") / name, fs::copy_options::overwrite_existing);
+    copyStandards(temp_.path(), file("plans"));
     pid_t pid = start({"check", "plans", "--fix", "--jobs", "2"});
     std::this_thread::sleep_for(std::chrono::milliseconds(400));
     kill(pid, signal);
@@ -363,10 +365,8 @@ TEST_F(StcheckSafety, StoppingAJobsRunStopsItsWorkers) {
       EXPECT_TRUE(leftovers(tmp()).empty());
     }
   }
-  for (const std::string& left : leftovers(tmp()))
-    runCommand("touch -d '1 hour ago' " + shellQuote(left));
-  for (const std::string& left : leftovers(file("plans")))
-    runCommand("touch -d '1 hour ago' " + shellQuote(left));
+  age(leftovers(tmp()));
+  age(leftovers(file("plans")));
   pid_t pid = start({"check", "plans", "--fix", "--jobs", "2"});
   waitpid(pid, nullptr, 0);
   EXPECT_TRUE(leftovers(tmp()).empty());

@@ -70,6 +70,13 @@ inline ProcessResult runStcheckIn(const std::filesystem::path& cwd,
   return runCommand(line);
 }
 
+// Writes the example project (the floor plan and its two standards files) into `dir` with
+// the built make_examples.
+inline ProcessResult makeExamples(const std::filesystem::path& dir) {
+  return runCommand(shellQuote(std::string(STAUDIT_BIN_DIR) + "/make_examples") + " " +
+                    shellQuote(dir.string()));
+}
+
 // Runs a python snippet with ezdxf on `file` (bound to the name `path` in the snippet).
 inline ProcessResult ezdxf(const std::string& snippet, const std::filesystem::path& file) {
   std::string script = "import sys, ezdxf\npath = sys.argv[1]\n" + snippet;
