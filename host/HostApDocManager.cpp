@@ -55,7 +55,10 @@ HostDocument* HostApDocManager::openDocument(const OdString& path) {
   HostDocumentPtr doc = OdRxObjectImpl<HostDocument>::createObject(fileName);
   notify([&](HostApDocManagerReactor* r) { r->onDocumentCreateStarted(doc.get()); });
   try {
+    // The state before reading: a change made while it is read counts as someone else's.
+    std::optional<OdFileStamp> stamp = OdFileStamp::ofTarget(HostPaths::toPath(fileName));
     doc->setDatabase(OdDbDatabase::readFile(HostPaths::toPath(fileName)));
+    doc->stamp_ = stamp;
   } catch (const OdError& e) {
     notify([&](HostApDocManagerReactor* r) {
       r->onDocumentCreateCanceled(doc.get(), e.description());
@@ -65,6 +68,25 @@ HostDocument* HostApDocManager::openDocument(const OdString& path) {
   docs_.push_back(doc);
   notify([&](HostApDocManagerReactor* r) { r->onDocumentCreated(doc.get()); });
   // A reactor may have closed it already.
+  if (isOpenHere(doc.get())) setCurDocument(doc.get());
+  return doc.get();
+}
+
+HostDocument* HostApDocManager::newDocument() {
+  OdString fileName;
+  for (int n = 1;; ++n) {
+    fileName = OdString::format("Drawing%d.dxf", n);
+    if (std::none_of(docs_.begin(), docs_.end(), [&](const HostDocumentPtr& d) {
+          return d->isUntitled() && d->fileName() == fileName;
+        }))
+      break;
+  }
+  HostDocumentPtr doc = OdRxObjectImpl<HostDocument>::createObject(fileName);
+  doc->setUntitled(true);
+  notify([&](HostApDocManagerReactor* r) { r->onDocumentCreateStarted(doc.get()); });
+  doc->setDatabase(OdDbDatabase::createEmpty());
+  docs_.push_back(doc);
+  notify([&](HostApDocManagerReactor* r) { r->onDocumentCreated(doc.get()); });
   if (isOpenHere(doc.get())) setCurDocument(doc.get());
   return doc.get();
 }
@@ -134,6 +156,9 @@ void HostApDocManager::closeAll() {
 void HostApDocManager::saveDocument(HostDocument* doc, const OdString& path,
                                     const OdAtomicFile::Options& options) {
   if (!isOpenHere(doc)) throw OdError(eInvalidInput, "the document to save is not open");
+  if (path.isEmpty() && doc->isUntitled())
+    throw OdError(eInvalidInput, "the new drawing " + doc->title().toUtf8() +
+                                     " has no file yet; save it under a name");
   OdString target = path.isEmpty() ? doc->fileName() : canonicalText(path);
   notify([&](HostApDocManagerReactor* r) { r->onDocumentSaving(doc); });
   try {
@@ -142,6 +167,7 @@ void HostApDocManager::saveDocument(HostDocument* doc, const OdString& path,
     notify([&](HostApDocManagerReactor* r) { r->onDocumentSaveFailed(doc, e.description()); });
     throw;
   }
+  doc->markSaved(target);
   notify([&](HostApDocManagerReactor* r) { r->onDocumentSaved(doc); });
   if (target != doc->fileName()) {
     OdString old = doc->fileName();

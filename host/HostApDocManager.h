@@ -35,6 +35,10 @@ class HostApDocManager {
   // Throws OdError from the kernel when the file cannot be read (eFileNotFound,
   // eBadDxfFile naming file and line, ...); nothing is then opened.
   HostDocument* openDocument(const OdString& path);
+  // Makes a new, untitled drawing ("Drawing1.dxf", the first number no open document has) in a
+  // new document and makes it current, with the reactors told as for openDocument. Saving it
+  // asks for a file name (HostDocument::isUntitled).
+  HostDocument* newDocument();
   // Makes an open document current; false when `doc` is not open here. Making the current
   // document current again raises nothing.
   bool setCurDocument(HostDocument* doc);
@@ -43,9 +47,10 @@ class HostApDocManager {
   // Closes every document, forced, the current one last.
   void closeAll();
   // Saves the document's drawing to `path` (its own file when empty). A save under another
-  // name renames the document. Throws OdError (eFileWriteError naming the file) when it
-  // fails; the file on disk is then as it was. `options` say what the file must still be and
-  // what happens just before it is replaced (see OdAtomicFile).
+  // name renames the document. Afterwards the document counts as unchanged, in the state
+  // the file has now (HostDocument::fileStamp). Throws OdError (eFileWriteError naming the file)
+  // when it fails; the file on disk is then as it was. `options` say what the file must still be
+  // and what happens just before it is replaced (see OdAtomicFile).
   void saveDocument(HostDocument* doc, const OdString& path = OdString(),
                     const OdAtomicFile::Options& options = {});
 

@@ -73,6 +73,10 @@ HostApplication& HostApplication::running() {
   return *g_current;
 }
 
+HostStatusBar* HostApplication::statusBar() {
+  return front_.statusBar();
+}
+
 HostConfigKeyPtr HostApplication::configRoot() {
   return HostConfigKey::root(config_);
 }
@@ -115,6 +119,12 @@ OdSmartPtr<OdDbDatabase> HostApplication::readDrawingFile(const OdString& path, 
 bool HostApplication::getString(const OdString& prompt, OdString& answer) {
   if (!prompt.isEmpty()) commandLine_.print(prompt);
   bool got = commandLine_.takeWord(answer);
+  OdString line;
+  while (!got && front_.readCommandInput(line)) {
+    if (line.trimLeft().trimRight().isEmpty()) break;
+    commandLine_.feed(line + L"\n");
+    got = commandLine_.takeWord(answer);
+  }
   if (!prompt.isEmpty()) commandLine_.print(got ? answer + L"\n" : OdString(L"*cancel*\n"));
   return got;
 }

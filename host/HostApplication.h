@@ -16,6 +16,7 @@
 
 class HostConfigTree;
 class HostFrontend;
+class HostStatusBar;
 
 // The host application: configuration tree, documents, commands and command line, system
 // variables, messages, translation and help, put together behind HostServices and the
@@ -64,6 +65,9 @@ class HostApplication : public HostServices {
   HostApDocManager& documents() noexcept { return documents_; }
   HostTranslation& translation() noexcept { return translation_; }
   HostHelp& help() noexcept { return help_; }
+  // The status bar modules may place widgets in; null when the front has none (a host without
+  // a screen). Not owned.
+  HostStatusBar* statusBar();
   // The object GetApp() hands out (without a reference added).
   HostApp* appObject() noexcept { return appObject_.get(); }
 

@@ -44,6 +44,8 @@ class HostCommandLine {
 
   // Adds text to the input and, when no command is running, runs every complete entry.
   void submit(const OdString& text);
+  // Adds text to the input for a running command to take (takeWord); runs nothing.
+  void feed(const OdString& text) { input_ += text.str(); }
   // Runs the command `name` now (an unknown name is reported, not thrown). While another
   // command runs, only a transparent command runs (within it); others give kBusy.
   // When the outermost command completes, pending input runs.

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <optional>
+
 #include "HostSysVars.h"
 #include "OdDbDatabase.h"
+#include "OdDbDatabaseReactor.h"
+#include "OdFileStamp.h"
 #include "OdRxObject.h"
 #include "OdRxObjectImpl.h"
 #include "OdString.h"
@@ -23,6 +27,21 @@ class HostDocument : public OdRxObject {
   OdString title() const;
   bool isOpen() const noexcept { return !database_.isNull(); }
 
+  // Whether the drawing changed since it was read or last saved: an object appended, changed
+  // or erased, or a header variable set, by anyone (a command, a module's fix). A new drawing
+  // starts unchanged.
+  bool isModified() const noexcept { return modified_; }
+  // A new drawing never saved: its file name is a title in no folder, so saving it asks where.
+  bool isUntitled() const noexcept { return untitled_; }
+  // The state its file was in when it was read or last saved here; nullopt for a new drawing
+  // or a file that could not be examined. A save compares the file with it to find out
+  // whether someone else changed the file meanwhile.
+  const std::optional<OdFileStamp>& fileStamp() const noexcept { return stamp_; }
+
+  // The selected entities, in the order they were selected. Commands that act on the
+  // selection read it; ids of erased entities are skipped by them.
+  OdDbObjectIdArray& selection() noexcept { return selection_; }
+
   HostSysVars& sysVars() noexcept { return sysVars_; }
   const HostSysVars& sysVars() const noexcept { return sysVars_; }
 
@@ -33,10 +52,20 @@ class HostDocument : public OdRxObject {
  private:
   friend class HostApDocManager;
   friend class OdRxObjectImpl<HostDocument>;
-  void setDatabase(OdDbDatabasePtr database) { database_ = std::move(database); }
+  class ChangeWatcher;
+  // Watches the new database for changes (none for null) and counts it unchanged.
+  void setDatabase(OdDbDatabasePtr database);
   void setFileName(const OdString& fileName);
+  // After the file was read or saved: unchanged, in the file's present state.
+  void markSaved(const OdString& fileName);
+  void setUntitled(bool untitled) { untitled_ = untitled; }
 
   OdString fileName_;
   OdDbDatabasePtr database_;
   HostSysVars sysVars_;
+  OdDbDatabaseReactorPtr watcher_;
+  bool modified_ = false;
+  bool untitled_ = false;
+  std::optional<OdFileStamp> stamp_;
+  OdDbObjectIdArray selection_;
 };

@@ -1,9 +1,11 @@
 #include "HostMessage.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <cwctype>
 
-std::vector<int> HostMessageBox::answers() const {
+namespace {
+std::vector<int> buttonAnswers(HostButtons buttons) {
   switch (buttons) {
     case HostButtons::kOk:
       return {kHostOk};
@@ -17,6 +19,14 @@ std::vector<int> HostMessageBox::answers() const {
       return {kHostRetry, kHostCancel};
   }
   return {kHostOk};
+}
+}  // namespace
+
+std::vector<int> HostMessageBox::answers() const {
+  std::vector<int> ids = buttonAnswers(buttons);
+  auto named = std::find(ids.begin(), ids.end(), defaultAnswer);
+  if (named != ids.end()) std::rotate(ids.begin(), named, named + 1);
+  return ids;
 }
 
 std::vector<int> HostTaskDialog::answers() const {

@@ -7,7 +7,7 @@
 // What a message box or task dialog asks, and how it is answered. The front (a window, or
 // the headless front's script) shows it and returns the button chosen.
 
-// The buttons of a message box; the first is its default.
+// The buttons of a message box; the first is the default unless the box names another.
 enum class HostButtons { kOk, kOkCancel, kYesNo, kYesNoCancel, kRetryCancel };
 
 enum class HostIcon { kNone, kInformation, kWarning, kError, kQuestion };
@@ -21,6 +21,9 @@ struct HostMessageBox {
   OdString caption;
   HostButtons buttons = HostButtons::kOk;
   HostIcon icon = HostIcon::kNone;
+  // The answer of the default button (what Enter, or a script with no answer, gives); 0, or an
+  // answer the buttons cannot give, for the first button.
+  int defaultAnswer = 0;
 
   // The answers this box can give, default first.
   std::vector<int> answers() const;

@@ -48,7 +48,10 @@ class HostServices {
   // printf-style output to the command line; %ls takes a wide text, %s a narrow one.
   void cmdPrintf(const wchar_t* format, ...);
   // Asks for a word of input, showing `prompt`: the next word submitted to the command line
-  // (a script's next word). False when there is none, which a command treats as cancel.
+  // (a script's next word) or, when there is none and a person sits at the command line, the
+  // first word of the line they enter (the rest answers the prompts that follow). False when
+  // there is none or the person cancels or enters an empty line, which a command treats as
+  // cancel.
   virtual bool getString(const OdString& prompt, OdString& answer) = 0;
   // Input-context reactors, not owned; told after each command (see
   // HostEdInputContextReactor). Adding one twice keeps one entry.
