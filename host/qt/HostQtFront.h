@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <cstdio>
+#include <memory>
+
+#include "HostFrontend.h"
+
+class QStatusBar;
+class QWidget;
+class HostQtCommandLine;
+class HostQtStatusBar;
+
+// The front of the desktop host: message boxes, task dialogs, the command-line window, help
+// pages, the status bar and the PDF plotter, in Qt Widgets. Lives on the GUI thread; the host
+// application (not owned) calls it there.
+//
+// Every window it shows is modal to the main window and carries its caption as its window
+// title, so a script, an assistive tool or a test finds it by name.
+//
+// Command-line text goes to the command-line widget and, when an echo stream is set (the
+// desktop host sets stdout when it is not a terminal), to that stream as it comes, so that a
+// scripted run can be read back.
+class HostQtFront : public QObject, public HostFrontend {
+  Q_OBJECT
+
+ public:
+  explicit HostQtFront(QObject* parent = nullptr);
+  ~HostQtFront() override;
+
+  // The window boxes and dialogs are shown over (not owned; may be null).
+  void setMainWindow(QWidget* window);
+  QWidget* mainWindow() const;
+  // The command-line widget text goes to and input comes from (not owned; may be null).
+  void setCommandLine(HostQtCommandLine* commandLine);
+  // The main window's status bar, offered to modules as a HostQtStatusBar (not owned).
+  void setStatusBar(QStatusBar* bar);
+  // Where command-line text is also written as it comes; null for nowhere. Not owned.
+  void setEcho(std::FILE* echo) { echo_ = echo; }
+  // While a script runs, nobody is asked for command input (readCommandInput answers false)
+  // and message boxes are still shown.
+  void setScriptRunning(bool running) { scriptRunning_ = running; }
+  bool scriptRunning() const { return scriptRunning_; }
+
+  // HostFrontend
+  int showMessageBox(const HostMessageBox& box) override;
+  int showTaskDialog(const HostTaskDialog& dialog) override;
+  void writeCommandLine(const OdString& text) override;
+  bool showHelpPage(const OdString& page) override;
+  bool readCommandInput(OdString& line) override;
+  HostStatusBar* statusBar() override;
+  bool plotToPdf(OdDbDatabase& db, const OdString& path, OdString& error) override;
+
+ signals:
+  // Text written to the command line, as it comes.
+  void commandLineWritten(const QString& text);
+
+ private:
+  QPointer<QWidget> mainWindow_;
+  QPointer<HostQtCommandLine> commandLine_;
+  std::unique_ptr<HostQtStatusBar> statusBar_;
+  std::FILE* echo_ = nullptr;
+  bool scriptRunning_ = false;
+};
