@@ -50,6 +50,12 @@ HostApplication::HostApplication(HostFrontend& front, Options options)
 
 HostApplication::~HostApplication() {
   documents_.closeAll();
+  unloadModules();
+  appObject_->app_ = nullptr;
+  g_current = nullptr;
+}
+
+void HostApplication::unloadModules() {
   while (!modules_.empty()) {
     OdString name = modules_.back();
     try {
@@ -60,8 +66,6 @@ HostApplication::~HostApplication() {
       std::erase(modules_, name);
     }
   }
-  appObject_->app_ = nullptr;
-  g_current = nullptr;
 }
 
 HostApplication* HostApplication::current() noexcept {
@@ -85,6 +89,16 @@ OdRxModulePtr HostApplication::loadModule(const OdString& name) {
   // A module registers its settings as it starts: one write of the file for all of them.
   HostConfigTree::Batch batch(*config_);
   OdRxModulePtr module = odrxDynamicLinker()->loadModule(name, false);
+  const OdString& loaded = module->moduleName();
+  if (std::find(modules_.begin(), modules_.end(), loaded) == modules_.end())
+    modules_.push_back(loaded);
+  return module;
+}
+
+OdRxModulePtr HostApplication::loadConfiguredModule(const OdString& name, OdString& reason) {
+  HostConfigTree::Batch batch(*config_);
+  OdRxModulePtr module = odrxDynamicLinker()->loadFromSearchPath(name, reason);
+  if (!module) return module;
   const OdString& loaded = module->moduleName();
   if (std::find(modules_.begin(), modules_.end(), loaded) == modules_.end())
     modules_.push_back(loaded);

@@ -75,9 +75,18 @@ class HostApplication : public HostServices {
   // is looked for) and remembers it, to unload it at shutdown. Throws OdError when it does
   // not load.
   OdRxModulePtr loadModule(const OdString& name);
+  // Loads a module that a configuration names: from the module search path only (see
+  // OdRxDynamicLinker::loadFromSearchPath), remembered like loadModule's. Null, with `reason`
+  // set to the loader's one line, when it does not load; what the module's initApp throws
+  // reaches the caller.
+  OdRxModulePtr loadConfiguredModule(const OdString& name, OdString& reason);
   // Unloads a module and drops the commands whose code lies in it; false when it is not
   // loaded. An error thrown by the module's uninitApp reaches the caller.
   bool unloadModule(const OdString& name);
+  // Unloads every module loaded here, the last loaded first; one that throws as it unloads is
+  // reported on standard error and forgotten. Shutting down does this after closing the
+  // documents; a front calls it earlier when modules must go while its windows still stand.
+  void unloadModules();
 
   // HostServices
   OdSmartPtr<OdDbDatabase> readDrawingFile(const OdString& path, bool convertCodePage,

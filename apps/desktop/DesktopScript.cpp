@@ -1,0 +1,52 @@
+#include "DesktopScript.h"
+
+#include <QFile>
+#include <QTimer>
+
+#include "HostApplication.h"
+#include "HostQtFront.h"
+
+DesktopScript::DesktopScript(HostApplication& app, HostQtFront& front, QObject* parent)
+    : QObject(parent), app_(app), front_(front) {}
+
+bool DesktopScript::load(const QString& path, QString& error) {
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) {
+    error = QString("cannot read script %1: %2").arg(path, file.errorString());
+    return false;
+  }
+  path_ = path;
+  lines_ = QString::fromUtf8(file.readAll()).split('\n');
+  next_ = 0;
+  return true;
+}
+
+void DesktopScript::start() {
+  running_ = true;
+  front_.setScriptRunning(true);
+  QTimer::singleShot(0, this, &DesktopScript::step);
+}
+
+void DesktopScript::step() {
+  // A line at a time from the event loop, so that the window shows each step.
+  while (next_ < lines_.size()) {
+    QString line = lines_[next_++];
+    line.remove('\r');
+    const QString trimmed = line.trimmed();
+    if (trimmed.isEmpty() || trimmed.startsWith(';')) continue;
+    app_.sendCommand(OdString::fromUtf8((line + '\n').toStdString()));
+    if (!running_) return;
+    QTimer::singleShot(0, this, &DesktopScript::step);
+    return;
+  }
+  OdString rest = app_.commandLine().pendingInput();
+  rest.trimLeft().trimRight();
+  if (!rest.isEmpty()) {
+    app_.cmdPrintf(L"script %s left unused input: %ls\n", path_.toStdString().c_str(),
+                   rest.c_str());
+    app_.commandLine().clearPendingInput();
+  }
+  running_ = false;
+  front_.setScriptRunning(false);
+  emit finished();
+}

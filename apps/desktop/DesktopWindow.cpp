@@ -1,0 +1,392 @@
+#include "DesktopWindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QUrl>
+#include <cstdio>
+
+#include "DocumentPage.h"
+#include "HostApplication.h"
+#include "HostConfigTree.h"
+#include "HostDocument.h"
+#include "HostQtCommandLine.h"
+#include "HostQtFront.h"
+
+namespace {
+DesktopWindow* g_window = nullptr;
+
+const char* const kLayoutKey = "Desktop";
+const char* const kGeometry = "WindowGeometry";
+const char* const kState = "WindowState";
+
+QString qt(const OdString& text) {
+  return QString::fromStdString(text.toUtf8());
+}
+
+OdString od(const QString& text) {
+  return OdString::fromUtf8(text.toStdString());
+}
+
+const char* const kDrawingFilter = "Drawings (*.dxf *.dws);;All files (*)";
+}  // namespace
+
+DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* parent)
+    : QMainWindow(parent),
+      app_(app),
+      front_(front),
+      recent_(app.configTree()),
+      tabs_(new QTabWidget(this)),
+      commandDock_(new QDockWidget(tr("Command Line"), this)),
+      commandLine_(new HostQtCommandLine(&app.commands(), commandDock_)) {
+  g_window = this;
+  setObjectName("DesktopWindow");
+  setWindowTitle("stdesk");
+  setAcceptDrops(true);
+
+  tabs_->setDocumentMode(true);
+  tabs_->setTabsClosable(true);
+  tabs_->setMovable(true);
+  setCentralWidget(tabs_);
+  connect(tabs_, &QTabWidget::currentChanged, this, [this](int index) {
+    if (syncingTabs_) return;
+    if (auto* page = qobject_cast<DocumentPage*>(tabs_->widget(index)))
+      app_.documents().setCurDocument(page->document());
+    updateTitles();
+  });
+  connect(tabs_, &QTabWidget::tabCloseRequested, this, [this](int index) {
+    auto* page = qobject_cast<DocumentPage*>(tabs_->widget(index));
+    if (!page) return;
+    app_.documents().setCurDocument(page->document());
+    send("CLOSE");
+  });
+
+  commandDock_->setObjectName("CommandLineDock");
+  commandDock_->setWidget(commandLine_);
+  commandDock_->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable |
+                            QDockWidget::DockWidgetClosable);
+  addDockWidget(Qt::BottomDockWidgetArea, commandDock_);
+
+  front_.setMainWindow(this);
+  front_.setCommandLine(commandLine_);
+  front_.setStatusBar(statusBar());
+  statusBar()->showMessage(tr("Ready"));
+
+  buildMenus();
+  app_.documents().addReactor(this);
+  app_.addInputContextReactor(this);
+  restoreLayout();
+  updateTitles();
+  updateActions();
+}
+
+DesktopWindow::~DesktopWindow() {
+  app_.documents().removeReactor(this);
+  app_.removeInputContextReactor(this);
+  front_.setCommandLine(nullptr);
+  front_.setMainWindow(nullptr);
+  if (g_window == this) g_window = nullptr;
+}
+
+DesktopWindow* DesktopWindow::instance() {
+  return g_window;
+}
+
+DocumentPage* DesktopWindow::pageOf(const HostDocument* doc) const {
+  for (int i = 0; i < tabs_->count(); ++i)
+    if (auto* page = qobject_cast<DocumentPage*>(tabs_->widget(i)); page && page->document() == doc)
+      return page;
+  return nullptr;
+}
+
+void DesktopWindow::send(const QString& text) {
+  app_.sendCommand(od(text + ' '));
+}
+
+void DesktopWindow::sendWithPath(const QString& command, const QString& path) {
+  if (path.contains('"')) {
+    app_.messageBox(od(tr("The path %1 holds a double quote, which the command line cannot take.")
+                           .arg(path)),
+                    od(command), HostButtons::kOk, HostIcon::kWarning);
+    return;
+  }
+  send(command + " \"" + QDir::toNativeSeparators(path) + "\"");
+}
+
+void DesktopWindow::buildMenus() {
+  QMenu* file = menuBar()->addMenu(tr("&File"));
+  file->addAction(tr("&New"), QKeySequence::New, this, [this] { send("NEW"); });
+  file->addAction(tr("&Open..."), QKeySequence::Open, this, &DesktopWindow::openFiles);
+  recentMenu_ = file->addMenu(tr("Open &Recent"));
+  connect(recentMenu_, &QMenu::aboutToShow, this, &DesktopWindow::fillRecentMenu);
+  file->addSeparator();
+  documentActions_ << file->addAction(tr("&Save"), QKeySequence::Save, this,
+                                      &DesktopWindow::saveCurrent);
+  documentActions_ << file->addAction(tr("Save &As..."), QKeySequence::SaveAs, this,
+                                      &DesktopWindow::saveAs);
+  file->addSeparator();
+  documentActions_ << file->addAction(tr("&Import..."), this, &DesktopWindow::importDrawing);
+  documentActions_ << file->addAction(tr("&Plot to PDF..."), QKeySequence::Print, this,
+                                      &DesktopWindow::plot);
+  file->addSeparator();
+  documentActions_ << file->addAction(tr("&Close"), QKeySequence::Close, this,
+                                      [this] { send("CLOSE"); });
+  file->addAction(tr("E&xit"), QKeySequence::Quit, this, &QWidget::close);
+
+  QMenu* standards = menuBar()->addMenu(tr("&Standards"));
+  moduleActions_ << CommandAction{standards->addAction(tr("&Configure Standards..."), this,
+                                                       [this] { send("STANDARDS"); }),
+                                  L"STANDARDS"};
+  moduleActions_ << CommandAction{standards->addAction(tr("C&heck Standards..."), this,
+                                                       [this] { send("CHECKSTANDARDS"); }),
+                                  L"CHECKSTANDARDS"};
+  moduleActions_ << CommandAction{standards->addAction(tr("Standards &Settings..."), this,
+                                                       [this] { send("STANDARDSSETTINGS"); }),
+                                  L"STANDARDSSETTINGS"};
+  connect(standards, &QMenu::aboutToShow, this, &DesktopWindow::updateActions);
+
+  QMenu* view = menuBar()->addMenu(tr("&View"));
+  documentActions_ << view->addAction(tr("Zoom &Extents"), this, [this] { send("ZOOM E"); });
+  view->addSeparator();
+  view->addAction(commandDock_->toggleViewAction());
+}
+
+void DesktopWindow::fillRecentMenu() {
+  recentMenu_->clear();
+  const QStringList files = recent_.files();
+  for (int i = 0; i < files.size(); ++i) {
+    const QString path = files[i];
+    QString label = QString("&%1 %2").arg((i + 1) % 10).arg(QFileInfo(path).fileName());
+    QAction* action = recentMenu_->addAction(label, this, [this, path] {
+      if (!QFileInfo::exists(path)) {
+        recent_.remove(path);
+        app_.cmdPrintf(L"%ls is gone; it was taken off the recent files\n", od(path).c_str());
+        return;
+      }
+      sendWithPath("OPEN", path);
+    });
+    action->setToolTip(path);
+  }
+  if (files.isEmpty()) recentMenu_->addAction(tr("(none)"))->setEnabled(false);
+}
+
+QString DesktopWindow::startFolder() const {
+  HostDocument* doc = app_.documents().curDocument();
+  if (doc && !doc->isUntitled()) return QFileInfo(qt(doc->fileName())).absolutePath();
+  const QStringList files = recent_.files();
+  return files.isEmpty() ? QString() : QFileInfo(files.first()).absolutePath();
+}
+
+void DesktopWindow::openFiles() {
+  const QStringList paths =
+      QFileDialog::getOpenFileNames(this, tr("Open Drawing"), startFolder(), tr(kDrawingFilter));
+  for (const QString& path : paths) sendWithPath("OPEN", path);
+}
+
+void DesktopWindow::saveCurrent() {
+  HostDocument* doc = app_.documents().curDocument();
+  if (doc && doc->isUntitled())
+    saveAs();
+  else
+    send("SAVE");
+}
+
+void DesktopWindow::saveAs() {
+  HostDocument* doc = app_.documents().curDocument();
+  if (!doc) return;
+  const QString ascii = tr("DXF drawing (*.dxf)");
+  const QString binary = tr("Binary DXF drawing (*.dxf)");
+  const QString standards = tr("Drawing standards (*.dws)");
+  QFileDialog dialog(this, tr("Save Drawing As"));
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setNameFilters({ascii, binary, standards});
+  dialog.selectNameFilter(doc->database() && doc->database()->isBinary() ? binary : ascii);
+  dialog.setDefaultSuffix("dxf");
+  dialog.setDirectory(startFolder());
+  dialog.selectFile(qt(doc->title()));
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return;
+  const QString filter = dialog.selectedNameFilter();
+  sendWithPath(filter == binary ? "SAVEAS BINARY" : "SAVEAS ASCII",
+               dialog.selectedFiles().first());
+}
+
+void DesktopWindow::importDrawing() {
+  const QString path =
+      QFileDialog::getOpenFileName(this, tr("Import Drawing"), startFolder(), tr(kDrawingFilter));
+  if (!path.isEmpty()) sendWithPath("IMPORT", path);
+}
+
+void DesktopWindow::plot() {
+  HostDocument* doc = app_.documents().curDocument();
+  if (!doc) return;
+  QString suggested = QFileInfo(qt(doc->title())).completeBaseName() + ".pdf";
+  if (!startFolder().isEmpty()) suggested = startFolder() + "/" + suggested;
+  const QString path =
+      QFileDialog::getSaveFileName(this, tr("Plot to PDF"), suggested, tr("PDF files (*.pdf)"));
+  if (!path.isEmpty()) sendWithPath("PLOT", path);
+}
+
+void DesktopWindow::updateTitles() {
+  HostDocument* current = app_.documents().curDocument();
+  for (int i = 0; i < tabs_->count(); ++i) {
+    auto* page = qobject_cast<DocumentPage*>(tabs_->widget(i));
+    if (!page || !page->document()) continue;
+    HostDocument* doc = page->document();
+    tabs_->setTabText(i, qt(doc->title()) + (doc->isModified() ? "*" : ""));
+    tabs_->setTabToolTip(i, qt(doc->fileName()));
+  }
+  if (current) {
+    setWindowTitle(qt(current->title()) + "[*] - stdesk");
+    setWindowModified(current->isModified());
+  } else {
+    setWindowTitle("stdesk");
+    setWindowModified(false);
+  }
+}
+
+void DesktopWindow::updateActions() {
+  const bool hasDocument = app_.documents().curDocument() != nullptr;
+  for (QAction* action : documentActions_) action->setEnabled(hasDocument);
+  for (const CommandAction& item : moduleActions_)
+    item.action->setEnabled(app_.commands().find(item.command) != nullptr);
+}
+
+void DesktopWindow::onDocumentCreated(HostDocument* doc) {
+  auto* page = new DocumentPage(doc, tabs_);
+  syncingTabs_ = true;
+  tabs_->addTab(page, qt(doc->title()));
+  syncingTabs_ = false;
+  if (!doc->isUntitled()) recent_.add(qt(doc->fileName()));
+}
+
+void DesktopWindow::onDocumentCreateCanceled(HostDocument* doc, const OdString& reason) {
+  // A person who chose a file from a menu may not be looking at the command line.
+  if (front_.scriptRunning()) return;
+  app_.messageBox(doc->title() + L" cannot be opened:\n" + reason, L"Open", HostButtons::kOk,
+                  HostIcon::kError);
+}
+
+void DesktopWindow::onDocumentBecameCurrent(HostDocument* doc) {
+  if (DocumentPage* page = pageOf(doc)) {
+    syncingTabs_ = true;
+    tabs_->setCurrentWidget(page);
+    syncingTabs_ = false;
+  }
+  updateTitles();
+  updateActions();
+}
+
+void DesktopWindow::onDocumentClosing(HostDocument* doc) {
+  if (DocumentPage* page = pageOf(doc)) {
+    syncingTabs_ = true;
+    tabs_->removeTab(tabs_->indexOf(page));
+    syncingTabs_ = false;
+    page->deleteLater();
+  }
+}
+
+void DesktopWindow::onDocumentSaved(HostDocument*) {
+  updateTitles();
+}
+
+void DesktopWindow::onDocumentRenamed(HostDocument* doc, const OdString&) {
+  recent_.add(qt(doc->fileName()));
+  updateTitles();
+}
+
+void DesktopWindow::onNoDocumentCurrent() {
+  updateTitles();
+  updateActions();
+}
+
+void DesktopWindow::afterCommand(const OdString&) {
+  // Any command may have changed any drawing (a fix of the standards module, an import).
+  for (int i = 0; i < tabs_->count(); ++i)
+    if (auto* page = qobject_cast<DocumentPage*>(tabs_->widget(i))) page->markStale();
+  updateTitles();
+  updateActions();
+}
+
+bool DesktopWindow::askToSaveAll() {
+  for (HostDocument* doc : app_.documents().documents()) {
+    if (!doc->isModified()) continue;
+    app_.documents().setCurDocument(doc);
+    const int answer = front_.showMessageBox(
+        HostMessageBox{L"Save changes to " + doc->title() + L"?", L"stdesk",
+                       HostButtons::kYesNoCancel, HostIcon::kQuestion, kHostYes});
+    if (answer == kHostCancel) return false;
+    if (answer == kHostNo) continue;
+    if (doc->isUntitled()) {
+      const QString path = QFileDialog::getSaveFileName(this, tr("Save Drawing As"), startFolder(),
+                                                        tr("DXF drawing (*.dxf)"));
+      if (path.isEmpty() || path.contains('"')) return false;
+      app_.commandLine().feed(L"\"" + od(path) + L"\"\n");
+      if (!app_.commandLine().run(L"SAVEAS").value) return false;
+    } else if (!app_.commandLine().run(L"SAVE").value) {
+      return false;
+    }
+  }
+  return true;
+}
+
+void DesktopWindow::quitWithoutAsking() {
+  for (HostDocument* doc : app_.documents().documents())
+    if (doc->isModified())
+      std::fprintf(stderr, "stdesk: QUIT discarded the changes to %s\n",
+                   doc->fileName().toUtf8().c_str());
+  quitting_ = true;
+  close();
+}
+
+void DesktopWindow::closeEvent(QCloseEvent* event) {
+  if (!quitting_ && !askToSaveAll()) {
+    event->ignore();
+    return;
+  }
+  saveLayout();
+  event->accept();
+}
+
+void DesktopWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (!event->mimeData()->hasUrls()) return;
+  for (const QUrl& url : event->mimeData()->urls())
+    if (url.isLocalFile()) {
+      event->acceptProposedAction();
+      return;
+    }
+}
+
+void DesktopWindow::dropEvent(QDropEvent* event) {
+  for (const QUrl& url : event->mimeData()->urls())
+    if (url.isLocalFile()) sendWithPath("OPEN", url.toLocalFile());
+  event->acceptProposedAction();
+}
+
+void DesktopWindow::restoreLayout() {
+  HostConfigTree& tree = app_.configTree();
+  resize(1200, 800);
+  auto geometry = tree.getValue({kLayoutKey}, kGeometry);
+  if (geometry && geometry->varType() == OdVariant::kString)
+    restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(geometry->getString().toUtf8())));
+  auto state = tree.getValue({kLayoutKey}, kState);
+  if (state && state->varType() == OdVariant::kString)
+    restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state->getString().toUtf8())));
+}
+
+void DesktopWindow::saveLayout() {
+  HostConfigTree& tree = app_.configTree();
+  HostConfigTree::Batch batch(tree);
+  tree.createKey({}, kLayoutKey);
+  tree.setValue({kLayoutKey}, kGeometry,
+                OdVariant(OdString::fromUtf8(saveGeometry().toBase64().toStdString())));
+  tree.setValue({kLayoutKey}, kState,
+                OdVariant(OdString::fromUtf8(saveState().toBase64().toStdString())));
+}

@@ -1,0 +1,108 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QPointer>
+#include <QStringList>
+
+#include "HostApDocManagerReactor.h"
+#include "HostEdInputContextReactor.h"
+#include "RecentFiles.h"
+
+class DocumentPage;
+class HostApplication;
+class HostQtCommandLine;
+class HostQtFront;
+class QAction;
+class QDockWidget;
+class QLabel;
+class QMenu;
+class QTabWidget;
+
+// The main window of the desktop host: one tab per open document (the current tab is the
+// host's current document), the File, Standards and View menus, the command line docked at the
+// bottom and the status bar modules may place widgets in.
+//
+// Every menu item sends a command through the host's command line, so a menu, a typed command
+// and a script take one path. The window follows the document manager (a document opened,
+// made current, renamed or closed by any command) and refreshes titles after each command.
+// Window geometry and the recent files are kept in the host's configuration tree.
+//
+// Closing the window asks about every changed drawing (Save, Don't save, Cancel); Cancel keeps
+// the window open. A script's QUIT closes it without asking (see QuitCommand).
+class DesktopWindow : public QMainWindow,
+                      public HostApDocManagerReactor,
+                      public HostEdInputContextReactor {
+  Q_OBJECT
+
+ public:
+  // `app` and `front` are not owned and must outlive the window; the window sets itself up as
+  // the front's main window, command line and status bar.
+  DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* parent = nullptr);
+  ~DesktopWindow() override;
+
+  // The window of the running desktop host, or null.
+  static DesktopWindow* instance();
+
+  HostQtCommandLine* commandLine() const { return commandLine_; }
+  QTabWidget* tabs() const { return tabs_; }
+  // The page of a document, or null.
+  DocumentPage* pageOf(const HostDocument* doc) const;
+
+  // Sends command-line text as a menu does (a trailing blank ends it).
+  void send(const QString& text);
+  // Sends a command whose last word is a path, quoted for the command line; a path that
+  // cannot be quoted (it holds a double quote) is refused with a message.
+  void sendWithPath(const QString& command, const QString& path);
+
+  // Asks about each changed drawing whether to save it; false when the person cancels (or a
+  // save fails), true when every drawing may go.
+  bool askToSaveAll();
+  // Ends the program without asking, whatever is unsaved (a script's QUIT).
+  void quitWithoutAsking();
+
+  // HostApDocManagerReactor
+  void onDocumentCreated(HostDocument* doc) override;
+  void onDocumentCreateCanceled(HostDocument* doc, const OdString& reason) override;
+  void onDocumentBecameCurrent(HostDocument* doc) override;
+  void onDocumentClosing(HostDocument* doc) override;
+  void onDocumentSaved(HostDocument* doc) override;
+  void onDocumentRenamed(HostDocument* doc, const OdString& oldFileName) override;
+  void onNoDocumentCurrent() override;
+  // HostEdInputContextReactor
+  void afterCommand(const OdString& commandName) override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  void buildMenus();
+  void fillRecentMenu();
+  void updateTitles();
+  void updateActions();
+  void restoreLayout();
+  void saveLayout();
+  void openFiles();
+  void saveAs();
+  void importDrawing();
+  void plot();
+  void saveCurrent();
+  QString startFolder() const;
+
+  HostApplication& app_;
+  HostQtFront& front_;
+  RecentFiles recent_;
+  QTabWidget* tabs_;
+  QDockWidget* commandDock_;
+  HostQtCommandLine* commandLine_;
+  QMenu* recentMenu_ = nullptr;
+  QList<QAction*> documentActions_;
+  struct CommandAction {
+    QAction* action;
+    const wchar_t* command;
+  };
+  QList<CommandAction> moduleActions_;
+  bool syncingTabs_ = false;
+  bool quitting_ = false;
+};
