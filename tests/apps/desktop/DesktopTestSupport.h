@@ -1,0 +1,98 @@
+#pragma once
+
+// The desktop host as its widget tests drive it: a real host application with the Qt front,
+// the real main window, the modules loaded from the configuration as stdesk loads them, and a
+// configuration file of its own in a temporary folder.
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QTest>
+#include <QTimer>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "DesktopWindow.h"
+#include "HostApplication.h"
+#include "HostQtCommandLine.h"
+#include "HostQtFront.h"
+#include "QuitCommand.h"
+#include "StartupModules.h"
+#include "TestSupport.h"
+
+namespace desktoptest {
+
+// One desktop host; only one lives at a time (one host application per process).
+struct Desktop {
+  explicit Desktop(const std::filesystem::path& config, bool loadModules = true) {
+    ::setenv("STAUDIT_CONFIG", config.c_str(), 1);
+    app = std::make_unique<HostApplication>(front);
+    QuitCommand::registerIn(app->commands());
+    window = std::make_unique<DesktopWindow>(*app, front);
+    if (loadModules) {
+      StartupModules::registerBundled(*app);
+      StartupModules::loadAll(*app);
+    }
+    window->show();
+  }
+  ~Desktop() {
+    app->documents().closeAll();
+    app->unloadModules();
+    window.reset();
+    app.reset();
+  }
+
+  // Types a line on the command line as a person does, and presses Enter.
+  void type(const QString& line) {
+    QLineEdit* input = window->commandLine()->input();
+    input->setFocus();
+    QTest::keyClicks(input, line);
+    QTest::keyClick(input, Qt::Key_Return);
+  }
+  std::string transcript() const { return window->commandLine()->transcript().toStdString(); }
+
+  HostQtFront front;
+  std::unique_ptr<HostApplication> app;
+  std::unique_ptr<DesktopWindow> window;
+};
+
+// The button of a modal window, by its text without '&'; null when there is none.
+inline QAbstractButton* buttonOf(QWidget* window, const QString& text) {
+  for (QAbstractButton* b : window->findChildren<QAbstractButton*>())
+    if (b->text().remove('&') == text) return b;
+  return nullptr;
+}
+
+// Once the next modal window titled `title` shows, clicks its button `button` (or, with an
+// empty `button`, calls `act` with the window). Gives up after five seconds.
+template <class Act>
+void whenModalShows(const QString& title, Act act) {
+  auto* timer = new QTimer(qApp);
+  auto* clock = new QElapsedTimer();
+  clock->start();
+  QObject::connect(timer, &QTimer::timeout, [=] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal && modal->windowTitle() == title) {
+      timer->stop();
+      timer->deleteLater();
+      delete clock;
+      act(modal);
+    } else if (clock->elapsed() > 5000) {
+      timer->stop();
+      timer->deleteLater();
+      delete clock;
+    }
+  });
+  timer->start(20);
+}
+
+inline void clickWhenShows(const QString& title, const QString& button) {
+  whenModalShows(title, [button](QWidget* modal) {
+    if (QAbstractButton* b = buttonOf(modal, button)) b->click();
+  });
+}
+
+}  // namespace desktoptest

@@ -1,0 +1,230 @@
+// The desktop host's window driven as a drafter drives it: commands typed on the command
+// line, menu items, tabs, closing with unsaved changes, dropped files, and the standards
+// module loaded from the configuration, all on real drawings and a real configuration file.
+
+#include <QAction>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QTabWidget>
+#include <QUrl>
+#include <fstream>
+
+#include "DesktopTestSupport.h"
+#include "HostConfigTree.h"
+#include "HostDocument.h"
+#include "OdDbSymbolTable.h"
+#include "StAppServices.h"
+#include "StManager.h"
+#include "StManagerCache.h"
+#include "StManagerReactor.h"
+#include "StSettingsStorage.h"
+
+using desktoptest::clickWhenShows;
+using desktoptest::Desktop;
+namespace fs = std::filesystem;
+
+namespace {
+// The menu item with this text (without '&').
+QAction* menuAction(QMainWindow& window, const QString& menu, const QString& item) {
+  for (QAction* top : window.menuBar()->actions())
+    if (top->text().remove('&') == menu)
+      for (QAction* action : top->menu()->actions())
+        if (action->text().remove('&') == item) return action;
+  return nullptr;
+}
+
+bool hasLayer(Desktop& d, const wchar_t* name) {
+  OdDbDatabase* db = d.app->currentDatabase();
+  OdDbSymbolTablePtr layers = db->getLayerTableId().safeOpenObject();
+  return layers->has(OdString(name));
+}
+
+struct NewViolations : st::StManagerReactor {
+  void newViolation(st::StDWSPlugin*, st::StError*) override { ++count; }
+  int count = 0;
+};
+}  // namespace
+
+class DesktopWindowTest : public QObject {
+  Q_OBJECT
+
+ private:
+  testsupport::TempDir dir;
+  fs::path plan;
+  fs::path config;
+
+ private slots:
+  void init() {
+    for (const auto& entry : fs::directory_iterator(dir.path())) fs::remove_all(entry.path());
+    auto made = testsupport::makeExamples(dir.path());
+    QVERIFY2(made.exitCode == 0, made.output.c_str());
+    plan = dir.path() / "floor-plan.dxf";
+    config = dir.path() / "config" / "standards-audit.json";
+  }
+
+  // Open, every -LAYER form, CHANGE and SAVE through the command paths the menus use; ezdxf
+  // reads what was saved.
+  void editAndSaveThroughCommands() {
+    Desktop d(config);
+    d.window->sendWithPath("OPEN", QString::fromStdString(plan.string()));
+    QCOMPARE(d.window->tabs()->count(), 1);
+    QCOMPARE(d.window->windowTitle(), QString("floor-plan.dxf[*] - stdesk"));
+    QVERIFY(!d.window->isWindowModified());
+
+    d.type("-LAYER NEW Kitchen");
+    d.type("-LAYER COLOR 3 Kitchen");
+    d.type("-LAYER LTYPE Continuous Kitchen");
+    d.type("-LAYER NEW Hall");
+    d.type("-LAYER RENAME Hall Corridor");
+    d.type("-LAYER OFF Corridor");
+    d.type("-LAYER NEW Store");
+    d.type("-LAYER FREEZE Store");
+    d.type("-LAYER THAW Store");
+    d.type("-LAYER SET Kitchen");
+    d.type("SELECT ALL");
+    d.type("CHANGE LAYER Kitchen");
+    QVERIFY(d.window->isWindowModified());
+    QCOMPARE(d.window->tabs()->tabText(0), QString("floor-plan.dxf*"));
+
+    QAction* save = menuAction(*d.window, "File", "Save");
+    QVERIFY(save && save->isEnabled());
+    save->trigger();
+    QVERIFY2(!d.window->isWindowModified(), d.transcript().c_str());
+    const std::string layers = testsupport::ezdxf(
+        "d = ezdxf.readfile(sys.argv[1])\n"
+        "for n in ('Kitchen', 'Corridor', 'Store'):\n"
+        "  l = d.layers.get(n); print(n, l.dxf.color, l.is_off(), l.is_frozen())\n"
+        "print(d.header['$CLAYER'], {e.dxf.layer for e in d.modelspace()})\n",
+        plan).output;
+    QCOMPARE(QString::fromStdString(layers),
+             QString("Kitchen 3 False False\nCorridor 7 True False\nStore 7 False False\n"
+                     "Kitchen {'Kitchen'}\n"));
+  }
+
+  // A command typed without its words prompts for them, answered from the line; Escape
+  // cancels. History and completion as a command line has them.
+  void promptsHistoryAndCompletion() {
+    Desktop d(config);
+    d.window->sendWithPath("OPEN", QString::fromStdString(plan.string()));
+    QTimer::singleShot(50, [&] { d.type("new Porch"); });
+    d.type("-LAYER");
+    QVERIFY2(hasLayer(d, L"Porch"), d.transcript().c_str());
+
+    QTimer::singleShot(50, [&] { QTest::keyClick(d.window->commandLine()->input(), Qt::Key_Escape); });
+    d.type("-LAYER");
+    QVERIFY(d.transcript().find("*cancel*") != std::string::npos);
+
+    QLineEdit* input = d.window->commandLine()->input();
+    QTest::keyClick(input, Qt::Key_Up);
+    QCOMPARE(input->text(), QString("-LAYER"));
+    input->clear();
+    QTest::keyClicks(input, "CHECKSTAN");
+    QTest::keyClick(input, Qt::Key_Tab);
+    QCOMPARE(input->text(), QString("CHECKSTANDARDS"));
+  }
+
+  // A changed drawing asks before it closes, from the window's close box and from the tab's;
+  // Cancel keeps it open, No closes it without saving.
+  void changedDrawingAsksBeforeClosing() {
+    Desktop d(config);
+    d.window->sendWithPath("OPEN", QString::fromStdString(plan.string()));
+    d.type("-LAYER NEW Kitchen");
+    const auto before = fs::last_write_time(plan);
+
+    clickWhenShows("stdesk", "Cancel");
+    QVERIFY(!d.window->close());
+    QCOMPARE(d.app->documents().documentCount(), 1);
+
+    clickWhenShows("Close", "Cancel");
+    emit d.window->tabs()->tabCloseRequested(0);
+    QCOMPARE(d.app->documents().documentCount(), 1);
+
+    clickWhenShows("Close", "No");
+    emit d.window->tabs()->tabCloseRequested(0);
+    QCOMPARE(d.app->documents().documentCount(), 0);
+    QCOMPARE(d.window->tabs()->count(), 0);
+    QCOMPARE(fs::last_write_time(plan), before);
+    QVERIFY(!menuAction(*d.window, "File", "Save")->isEnabled());
+  }
+
+  // Tabs follow the host's current document both ways, and the module attaches a manager to
+  // the drawing made current; a layer made on the command line reaches the module as a
+  // modified object and is announced as a new violation.
+  void tabsAndTheModuleFollowTheCurrentDrawing() {
+    fs::copy_file(plan, dir.path() / "second.dxf");
+    Desktop d(config);
+    d.window->sendWithPath("OPEN", QString::fromStdString(plan.string()));
+    d.window->sendWithPath("OPEN", QString::fromStdString((dir.path() / "second.dxf").string()));
+    QCOMPARE(d.window->tabs()->count(), 2);
+    QCOMPARE(d.app->documents().curDocument()->title(), OdString(L"second.dxf"));
+
+    d.window->tabs()->setCurrentIndex(0);
+    HostDocument* first = d.app->documents().curDocument();
+    QCOMPARE(first->title(), OdString(L"floor-plan.dxf"));
+    QCOMPARE(d.window->windowTitle(), QString("floor-plan.dxf[*] - stdesk"));
+    st::StManager* manager = st::stManagerCache()->getManager(first->database());
+    QVERIFY2(manager, d.transcript().c_str());
+
+    NewViolations listener;
+    manager->addReactor(&listener);
+    d.type("-LAYER NEW NotInTheStandard");
+    manager->removeReactor(&listener);
+    QVERIFY2(listener.count >= 1, d.transcript().c_str());
+
+    // Items of a module that is not loaded are disabled.
+    QVERIFY(menuAction(*d.window, "Standards", "Check Standards...")->isEnabled());
+    QVERIFY(menuAction(*d.window, "Standards", "Configure Standards...")->isEnabled());
+  }
+
+  // SAVE runs the silent standards check first when the settings ask for it.
+  void saveChecksFirstWhenAsked() {
+    Desktop d(config);
+    d.window->sendWithPath("OPEN", QString::fromStdString(plan.string()));
+    stSettingsStorage()->setAutoFixCommands(st::kStCheckOnSave);
+    d.type("SAVE");
+    const std::string out = d.transcript();
+    const auto check = out.find("standards check:");
+    QVERIFY2(check != std::string::npos, out.c_str());
+    QVERIFY2(out.find("Command: SAVE") < check, out.c_str());
+  }
+
+  // Recent files and the window's layout are kept in the configuration file; a dropped
+  // drawing opens; a drawing that cannot be read is named with the reader's reason and
+  // nothing else closes; a failed save keeps the old file whole and the drawing changed.
+  void keptSettingsDropsAndBadInput() {
+    const fs::path broken = dir.path() / "broken.dxf";
+    std::ofstream(broken) << "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\n";
+    {
+      Desktop d(config);
+      QMimeData mime;
+      mime.setUrls({QUrl::fromLocalFile(QString::fromStdString(plan.string()))});
+      QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+      QApplication::sendEvent(d.window.get(), &drop);
+      QCOMPARE(d.window->tabs()->count(), 1);
+
+      d.window->sendWithPath("OPEN", QString::fromStdString(broken.string()));
+      QVERIFY2(d.transcript().find("broken.dxf") != std::string::npos, d.transcript().c_str());
+      QVERIFY2(d.transcript().find("line") != std::string::npos, d.transcript().c_str());
+      QCOMPARE(d.window->tabs()->count(), 1);
+
+      d.type("-LAYER NEW Kitchen");
+      const std::string original = testsupport::readBytes(plan);
+      fs::permissions(plan, fs::perms::owner_write | fs::perms::group_write |
+                                fs::perms::others_write, fs::perm_options::remove);
+      d.type("SAVE");
+      QCOMPARE(testsupport::readBytes(plan), original);
+      QVERIFY(d.app->documents().curDocument()->isModified());
+      QVERIFY(d.window->isWindowModified());
+      d.app->documents().closeAll();
+      d.window->close();
+    }
+    auto tree = HostConfigTree::open(config);
+    auto recent = tree->getValue({"Desktop"}, "RecentFiles");
+    QVERIFY(recent && recent->getString().toUtf8().find("floor-plan.dxf") != std::string::npos);
+    QVERIFY(tree->getValue({"Desktop"}, "WindowGeometry").has_value());
+    QVERIFY(tree->hasKey({"Applications", "StandardsAudit"}));
+  }
+};
+
+QTEST_MAIN(DesktopWindowTest)
+#include "DesktopWindowTest.moc"
