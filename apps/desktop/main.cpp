@@ -17,6 +17,7 @@
 #include "HostApplication.h"
 #include "HostQtFront.h"
 #include "QuitCommand.h"
+#include "ScreenshotCommand.h"
 #include "StartupModules.h"
 
 namespace {
@@ -48,6 +49,7 @@ int main(int argc, char** argv) {
     if (!::isatty(STDOUT_FILENO)) front.setEcho(stdout);
     HostApplication host(front);
     QuitCommand::registerIn(host.commands());
+    ScreenshotCommand::registerIn(host.commands());
 
     DesktopScript script(host, front);
     if (parser.isSet(scriptOption)) {
