@@ -8,10 +8,11 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 PACKAGES=(build-essential cmake ninja-build pkg-config libicu-dev nlohmann-json3-dev libcli11-dev
-  libgtest-dev libgmock-dev libbenchmark-dev python3)
+  libgtest-dev libgmock-dev libbenchmark-dev python3 qt6-base-dev)
 # Only the tests need these: an independent DXF reader, a JSON Schema validator and a headless
-# browser read back what stcheck writes.
-TEST_PACKAGES=(python3-ezdxf python3-jsonschema chromium)
+# browser read back what stcheck writes; a virtual X server, xdotool and a font run the desktop
+# host's real window.
+TEST_PACKAGES=(python3-ezdxf python3-jsonschema chromium xvfb xauth xdotool fonts-dejavu-core)
 
 # install_packages PACKAGE...
 install_packages() {
@@ -27,18 +28,31 @@ install_packages() {
   DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
 }
 
-# build DIR [cmake options...]
+# build DIR [-DOPTION=VALUE...] [TARGET...]   (every target when none is named)
 build() {
   local dir=$1
   shift
-  cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DSTAUDIT_WERROR=ON "$@" >/dev/null
-  cmake --build "$dir" -j "$(nproc)"
+  local options=() targets=()
+  for arg in "$@"; do
+    case "$arg" in
+      -D*) options+=("$arg") ;;
+      *) targets+=("$arg") ;;
+    esac
+  done
+  cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DSTAUDIT_WERROR=ON \
+    "${options[@]}" >/dev/null
+  if [ ${#targets[@]} -gt 0 ]; then
+    cmake --build "$dir" -j "$(nproc)" --target "${targets[@]}"
+  else
+    cmake --build "$dir" -j "$(nproc)"
+  fi
 }
 
 case "${1:-}" in
   example)
     install_packages "${PACKAGES[@]}"
-    build build
+    # Only what the example runs: the checker, the module and its plug-ins.
+    build build stcheck StandardsAudit StStandardPlugins
     build/bin/stcheck --version
     echo "== stcheck standards examples/floor-plan.dxf   (the standards files the drawing names)"
     build/bin/stcheck standards examples/floor-plan.dxf
