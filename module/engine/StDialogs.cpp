@@ -15,7 +15,10 @@ void print(const OdString& text) {
 }
 
 void sayNeedsDesktop(const wchar_t* dialog) {
-  print(OdString::format(L"the %ls dialog needs the desktop host\n", dialog));
+  print(
+      OdString::format(L"the %ls dialog needs the desktop host with the module's user interface "
+                       L"(StandardsAuditUi)\n",
+                       dialog));
 }
 
 // "name: description (plug-in)", the plug-in left out when unknown.
