@@ -145,9 +145,9 @@ TEST(HostCloseQuestion, ChangedDrawingsAreSavedDroppedOrKeptAsAnswered) {
   EXPECT_EQ(q.host.currentDocument(), nullptr);
   EXPECT_FALSE(hasLayer(a, L"Mine")) << "the changes were dropped";
 
-  // Yes by default; then an unchanged drawing closes without a question.
+  // Yes saves; then an unchanged drawing closes without a question.
   q.host.openDrawing(a);
-  q.host.submit(L"-LAYER NEW Mine\nCLOSE\n");
+  q.host.submit(L"-LAYER NEW Mine\nANSWER yes\nCLOSE\n");
   EXPECT_EQ(q.host.currentDocument(), nullptr) << q.host.output();
   EXPECT_TRUE(hasLayer(a, L"Mine"));
   q.host.openDrawing(a);
@@ -155,7 +155,8 @@ TEST(HostCloseQuestion, ChangedDrawingsAreSavedDroppedOrKeptAsAnswered) {
   EXPECT_EQ(q.host.currentDocument(), nullptr);
   EXPECT_EQ(count(q.host.output(), "message box"), 3u) << q.host.output();
 
-  // A new drawing is named when it is saved; a cancelled name saves nothing.
+  // A new drawing is named when it is saved; a cancelled name saves nothing. Yes is the
+  // default answer.
   const fs::path fresh = q.dir.path() / "fresh.dxf";
   q.host.submit(L"NEW\n-LAYER NEW Fresh\nSAVE\n");
   ASSERT_NE(q.host.currentDocument(), nullptr);
