@@ -154,7 +154,8 @@ void HostApDocManager::closeAll() {
 }
 
 void HostApDocManager::saveDocument(HostDocument* doc, const OdString& path,
-                                    const OdAtomicFile::Options& options) {
+                                    const OdAtomicFile::Options& options,
+                                    std::optional<bool> binary) {
   if (!isOpenHere(doc)) throw OdError(eInvalidInput, "the document to save is not open");
   if (path.isEmpty() && doc->isUntitled())
     throw OdError(eInvalidInput, "the new drawing " + doc->title().toUtf8() +
@@ -162,7 +163,7 @@ void HostApDocManager::saveDocument(HostDocument* doc, const OdString& path,
   OdString target = path.isEmpty() ? doc->fileName() : canonicalText(path);
   notify([&](HostApDocManagerReactor* r) { r->onDocumentSaving(doc); });
   try {
-    doc->database()->writeFile(HostPaths::toPath(target), std::nullopt, options);
+    doc->database()->writeFile(HostPaths::toPath(target), binary, options);
   } catch (const OdError& e) {
     notify([&](HostApDocManagerReactor* r) { r->onDocumentSaveFailed(doc, e.description()); });
     throw;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "HostDocument.h"
@@ -50,9 +51,11 @@ class HostApDocManager {
   // name renames the document. Afterwards the document counts as unchanged, in the state
   // the file has now (HostDocument::fileStamp). Throws OdError (eFileWriteError naming the file)
   // when it fails; the file on disk is then as it was. `options` say what the file must still be
-  // and what happens just before it is replaced (see OdAtomicFile).
+  // and what happens just before it is replaced (see OdAtomicFile). `binary` chooses the form of
+  // the file (binary or ASCII DXF); unset keeps the drawing's own.
   void saveDocument(HostDocument* doc, const OdString& path = OdString(),
-                    const OdAtomicFile::Options& options = {});
+                    const OdAtomicFile::Options& options = {},
+                    std::optional<bool> binary = std::nullopt);
 
   // Sets a system variable of `doc` (see HostSysVars::set) and tells the reactors when it
   // changed.

@@ -30,10 +30,12 @@ class HostStatusBar;
 //
 // Built-in commands (group "HOSTCORE"), for scripts:
 //   OPEN file      opens a drawing and makes it current
-//   CLOSE          closes the current document
+//   CLOSE          closes the current document, asking first whether to save its changes
+//                  (HostCloseQuestion.h)
 //   SETVAR name value   sets a system variable of the current document
 //   HELP topic     shows a help page
-//   SAVE, SAVEAS file, TRANSMIT folder, IMPORT, PLOT   see HostFileCommands.h
+//   SAVE, SAVEAS file, TRANSMIT folder, IMPORT, PLOT file   see HostFileCommands.h
+//   -LAYER, SELECT, CHANGE, NEW, ZOOM                       see HostEditCommands.h
 class HostApplication : public HostServices {
  public:
   struct Options {

@@ -3,7 +3,9 @@
 #include <cwchar>
 
 #include "HostApplication.h"
+#include "HostCloseQuestion.h"
 #include "HostCommandRegistry.h"
+#include "HostEditCommands.h"
 #include "HostFileCommands.h"
 #include "HostSysVars.h"
 #include "OdError.h"
@@ -35,6 +37,10 @@ class CloseCommand : public UICmdProcess {
     HostDocument* doc = app().documents().curDocument();
     if (!doc) {
       app().cmdPrint(L"no document is open\n");
+      return false;
+    }
+    if (!hostConfirmClose(doc)) {
+      app().cmdPrintf(L"%ls was kept open\n", doc->title().c_str());
       return false;
     }
     if (app().documents().closeDocument(doc)) return true;
@@ -95,4 +101,5 @@ void registerHostBuiltins(HostCommandRegistry& registry) {
   registry.add(L"SETVAR", group, kHostCmdTransparent, &createCommand<SetVarCommand>);
   registry.add(L"HELP", group, kHostCmdTransparent, &createCommand<HelpCommand>);
   registerHostFileCommands(registry);
+  registerHostEditCommands(registry);
 }

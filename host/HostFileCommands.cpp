@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <set>
 #include <string>
 #include <system_error>
@@ -12,6 +13,8 @@
 
 #include "HostApplication.h"
 #include "HostCommandRegistry.h"
+#include "HostDocumentSave.h"
+#include "HostFrontend.h"
 #include "HostSilentCheck.h"
 #include "OdDbDatabase.h"
 #include "OdError.h"
@@ -112,31 +115,28 @@ class SaveCommand : public UICmdProcess {
   bool execute() override {
     HostDocument* doc = currentDocument(L"SAVE");
     if (!doc) return false;
+    // A new drawing is named first, as SAVEAS names it, before the check looks at it.
+    OdString path;
+    if (doc->isUntitled() && !app().getString(L"Save drawing as: ", path)) return false;
     hostRunSilentCheck(kHostCheckSave);
-    return save(doc, OdString());
-  }
-
- protected:
-  static bool save(HostDocument* doc, const OdString& path) {
-    try {
-      app().documents().saveDocument(doc, path);
-    } catch (const OdError& e) {
-      app().cmdPrintf(L"cannot save %ls: %ls\n", doc->title().c_str(), e.description().c_str());
-      return false;
-    }
-    return true;
+    return hostSaveDocument(app().documents().curDocument(), path);
   }
 };
 
-class SaveAsCommand : public SaveCommand {
+class SaveAsCommand : public UICmdProcess {
  public:
   bool execute() override {
     HostDocument* doc = currentDocument(L"SAVEAS");
     if (!doc) return false;
     OdString path;
-    if (!app().getString(L"Save drawing as: ", path)) return false;
+    if (!app().getString(L"Save drawing as [Binary/ASCII] or file name: ", path)) return false;
+    std::optional<bool> binary;
+    if (path.iCompare(OdString(L"BINARY")) == 0 || path.iCompare(OdString(L"ASCII")) == 0) {
+      binary = path.iCompare(OdString(L"BINARY")) == 0;
+      if (!app().getString(L"Save drawing as: ", path)) return false;
+    }
     hostRunSilentCheck(kHostCheckSaveAs);
-    return save(doc, path);
+    return hostSaveDocument(app().documents().curDocument(), path, binary, L"SAVEAS");
   }
 };
 
@@ -213,9 +213,19 @@ class PlotCommand : public UICmdProcess {
  public:
   bool execute() override {
     if (!currentDocument(L"PLOT")) return false;
+    OdString path;
+    if (!app().getString(L"PDF file to plot to: ", path)) return false;
     hostRunSilentCheck(kHostCheckPlot);
-    app().cmdPrint(L"PLOT: this host has no plotter\n");
-    return false;
+    // The check may have closed the drawing (a dialog's command); take it again.
+    HostDocument* doc = currentDocument(L"PLOT");
+    if (!doc) return false;
+    OdString error;
+    if (!app().front().plotToPdf(*doc->database(), path, error)) {
+      app().cmdPrintf(L"PLOT: cannot plot: %ls\n", error.c_str());
+      return false;
+    }
+    app().cmdPrintf(L"PLOT: wrote %ls\n", path.c_str());
+    return true;
   }
 };
 

@@ -439,14 +439,19 @@ bool StManagerImpl::handles(StDWSPlugin& plugin, const OdString& className) {
   return std::find(names.begin(), names.end(), className) != names.end();
 }
 
+bool StManagerImpl::isWatched(const OdDbObject& object) const {
+  const OdString className = classNameOf(object);
+  return std::any_of(plugins_.begin(), plugins_.end(),
+                     [&](const auto& entry) { return handles(*entry.second.plugin, className); });
+}
+
 void StManagerImpl::objectModified(const OdDbDatabase*, const OdDbObject* object) {
-  if (!idle_ || !object) return;
-  const OdString className = classNameOf(*object);
-  for (const auto& [name, entry] : plugins_) {
-    if (!handles(*entry.plugin, className)) continue;
-    if (object->isModified()) pending_ = object->objectId();
-    return;
-  }
+  if (idle_ && object && object->isModified() && isWatched(*object)) pending_ = object->objectId();
+}
+
+void StManagerImpl::objectAppended(const OdDbDatabase*, const OdDbObject* object) {
+  // A record the user just added (a new layer) is checked like one just changed.
+  if (idle_ && object && isWatched(*object)) pending_ = object->objectId();
 }
 
 void StManagerImpl::afterCommand(const OdString&) {

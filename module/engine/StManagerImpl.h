@@ -112,8 +112,10 @@ class ST_EXPORT StManagerImpl : public StManager,
   // The object remembered for checking after the next command, or a null id.
   OdDbObjectId pendingObject() const noexcept { return pending_; }
 
-  // ---- StDbReactorResponder: remembers a watched object changed while no check runs.
+  // ---- StDbReactorResponder: remembers a watched object changed or added while no check
+  // runs.
   void objectModified(const OdDbDatabase* db, const OdDbObject* object) override;
+  void objectAppended(const OdDbDatabase* db, const OdDbObject* object) override;
   // ---- HostEdInputContextReactor: checks the remembered object once the edit is complete.
   void afterCommand(const OdString& commandName) override;
 
@@ -141,6 +143,8 @@ class ST_EXPORT StManagerImpl : public StManager,
   void setWholeDrawing();
   void checkObject(const OdDbObjectId& id);
   static bool handles(StDWSPlugin& plugin, const OdString& className);
+  // Whether a plug-in of this manager checks objects of the class of `object`.
+  bool isWatched(const OdDbObject& object) const;
 
   PluginTable plugins_;
   // The standards drawings read by the last set-up, their file names and the drawings

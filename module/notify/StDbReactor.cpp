@@ -10,4 +10,8 @@ void StDbReactor::objectModified(const OdDbDatabase* db, const OdDbObject* objec
   if (responder_) responder_->objectModified(db, object);
 }
 
+void StDbReactor::objectAppended(const OdDbDatabase* db, const OdDbObject* object) {
+  if (responder_) responder_->objectAppended(db, object);
+}
+
 }  // namespace st

@@ -7,9 +7,10 @@ namespace st {
 
 class StDbReactorResponder;
 
-// The reactor a check manager adds to its drawing: hands every modified object on to a
-// responder (the manager) and leaves every other event of the database alone. It filters
-// nothing; the responder decides what matters.
+// The reactor a check manager adds to its drawing: hands every modified and every appended
+// object on to a responder (the manager) and leaves every other event of the database alone
+// (an erased object breaks no standard). It filters nothing; the responder decides what
+// matters.
 //
 // Made with createObject() (counted by OdRxObjectImpl); its run-time class ("StDbReactor")
 // is registered by rxInit with the module's other classes, though nothing here needs it.
@@ -24,6 +25,7 @@ class ST_EXPORT StDbReactor : public OdDbDatabaseReactor {
 
   // Passes the change on to the responder; nothing without one.
   void objectModified(const OdDbDatabase* db, const OdDbObject* object) override;
+  void objectAppended(const OdDbDatabase* db, const OdDbObject* object) override;
 
  protected:
   StDbReactor() = default;

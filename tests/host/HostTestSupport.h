@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "DrawingBuilders.h"
 #include "HeadlessHost.h"
 #include "OdDbDatabase.h"
 #include "TestSupport.h"
@@ -22,6 +23,19 @@ struct QuietHost {
 // Writes a new drawing (the kernel's empty drawing) to `file` and returns its path.
 inline std::filesystem::path writeDrawing(const std::filesystem::path& file) {
   OdDbDatabase::createEmpty()->writeFile(file);
+  return file;
+}
+
+// Writes a plan to `file`: the linetype DASHED, layer Walls in red, the texts "a" and "b" on
+// Walls and "c" on layer 0, in model space; returns its path.
+inline std::filesystem::path writePlan(const std::filesystem::path& file) {
+  OdDbDatabasePtr db = OdDbDatabase::createEmpty();
+  testsupport::addLinetype(*db, L"DASHED", L"Dashed __ __", {0.5, -0.25});
+  testsupport::addLayer(*db, L"Walls", 1);
+  testsupport::addText(*db, L"Walls", L"a");
+  testsupport::addText(*db, L"Walls", L"b");
+  testsupport::addText(*db, L"0", L"c");
+  db->writeFile(file);
   return file;
 }
 

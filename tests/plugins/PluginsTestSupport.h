@@ -54,20 +54,8 @@ inline st::StDWSPluginPtr createPlugin(const wchar_t* className) {
 
 using testsupport::addLayer;
 using testsupport::addLinetype;
+using testsupport::addText;
 using testsupport::saveAndReload;
-
-// A text in `block` (model space when null) on `layer`.
-inline OdDbObjectId addText(OdDbDatabase& db, const wchar_t* layer, const wchar_t* contents,
-                            OdDbObjectId block = OdDbObjectId()) {
-  OdDbBlockTableRecordPtr owner =
-      (block.isNull() ? db.getModelSpaceId() : block).safeOpenObject(OdDb::kForWrite);
-  OdDbTextPtr text = OdDbText::createObject();
-  OdDbObjectId id = owner->appendOdDbEntity(text.get());
-  text->setTextString(contents);
-  OdDbLayerTablePtr layers = db.getLayerTableId().safeOpenObject();
-  text->setLayer(layers->getAt(layer));
-  return id;
-}
 
 inline OdDbObjectId addTextStyle(OdDbDatabase& db, const wchar_t* name, const wchar_t* font,
                                  double height, double width) {

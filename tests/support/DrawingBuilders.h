@@ -6,11 +6,13 @@
 #include <filesystem>
 #include <vector>
 
+#include "OdDbBlockTableRecord.h"
 #include "OdDbDatabase.h"
 #include "OdDbLayerTable.h"
 #include "OdDbLayerTableRecord.h"
 #include "OdDbLinetypeTable.h"
 #include "OdDbLinetypeTableRecord.h"
+#include "OdDbText.h"
 
 namespace testsupport {
 
@@ -44,6 +46,19 @@ inline OdDbObjectId addLayer(OdDbDatabase& db, const wchar_t* name, short color,
     OdDbLinetypeTablePtr linetypes = db.getLinetypeTableId().safeOpenObject();
     layer->setLinetypeObjectId(linetypes->getAt(linetype));
   }
+  return id;
+}
+
+// A text in `block` (model space when null) on `layer`.
+inline OdDbObjectId addText(OdDbDatabase& db, const wchar_t* layer, const wchar_t* contents,
+                            OdDbObjectId block = OdDbObjectId()) {
+  OdDbBlockTableRecordPtr owner =
+      (block.isNull() ? db.getModelSpaceId() : block).safeOpenObject(OdDb::kForWrite);
+  OdDbTextPtr text = OdDbText::createObject();
+  OdDbObjectId id = owner->appendOdDbEntity(text.get());
+  text->setTextString(contents);
+  OdDbLayerTablePtr layers = db.getLayerTableId().safeOpenObject();
+  text->setLayer(layers->getAt(layer));
   return id;
 }
 

@@ -183,16 +183,20 @@ TEST_F(WatchTest, TheCacheKeepsOneManagerPerDrawingAndAttachRunsEachTime) {
   // The other manager stays attached until the services go.
 }
 
-// Writes down the class of every object that reaches it from a database reactor.
+// Writes down what happened to every object that reaches it from a database reactor, and its
+// class.
 class ClassRecorder : public st::StDbReactorResponder {
  public:
   void objectModified(const OdDbDatabase*, const OdDbObject* object) override {
-    classes.push_back(object->isA()->name().toUtf8());
+    classes.push_back("modified " + object->isA()->name().toUtf8());
+  }
+  void objectAppended(const OdDbDatabase*, const OdDbObject* object) override {
+    classes.push_back("appended " + object->isA()->name().toUtf8());
   }
   std::vector<std::string> classes;
 };
 
-TEST_F(WatchTest, TheDatabaseReactorPassesOnModificationsOnly) {
+TEST_F(WatchTest, TheDatabaseReactorPassesOnModificationsAndAppendsOnly) {
   OdDbDatabasePtr drawing = OdDbDatabase::createEmpty();
   st::StDbReactorPtr reactor = st::StDbReactor::createObject();
   EXPECT_EQ(reactor->isA()->name(), OdString(L"StDbReactor"));
@@ -202,15 +206,16 @@ TEST_F(WatchTest, TheDatabaseReactorPassesOnModificationsOnly) {
   ClassRecorder responder;
   reactor->setResponder(&responder);
   addLayer(*drawing, L"Appended", 1);
-  // The table that gained a record changed; the new record itself was appended.
-  EXPECT_EQ(responder.classes, std::vector<std::string>{"AcDbLayerTable"});
+  // The new record was appended, and the table that gained it changed.
+  EXPECT_EQ(responder.classes,
+            (std::vector<std::string>{"appended AcDbLayerTableRecord", "modified AcDbLayerTable"}));
   responder.classes.clear();
   OdDbLayerTablePtr table = drawing->getLayerTableId().safeOpenObject();
   table->getAt(L"Appended").safeOpenObject(OdDb::kForWrite)->erase();
   EXPECT_EQ(responder.classes, std::vector<std::string>{}) << "erasing is not modifying";
   OdDbLayerTableRecordPtr(table->getAt(L"Ignored").safeOpenObject(OdDb::kForWrite))
       ->setColorIndex(2);
-  EXPECT_EQ(responder.classes, std::vector<std::string>{"AcDbLayerTableRecord"});
+  EXPECT_EQ(responder.classes, std::vector<std::string>{"modified AcDbLayerTableRecord"});
   drawing->removeReactor(reactor.get());
 }
 

@@ -1,5 +1,5 @@
 // The document reactor over real drawings in a headless host: managers follow the documents
-// as they become current and close.
+// as they become current and close, and watch what is typed on the command line.
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,10 @@
 #include "StAppServices.h"
 #include "StDocManagerReactor.h"
 #include "StEnumDWSPlugin.h"
+#include "StError.h"
 #include "StManager.h"
 #include "StManagerCache.h"
+#include "StManagerReactor.h"
 #include "StPluginRegistrator.h"
 
 namespace {
@@ -62,6 +64,31 @@ TEST(StDocManagerReactor, ManagersFollowTheDocuments) {
   EXPECT_FALSE(cache->hasManager(planDb.get()));
   EXPECT_TRUE(m.host.closeDrawing(empty));
   st::StDocManagerReactor::setNoStandardsHook(nullptr);
+}
+
+// Writes down the objects announced as new violations, by name.
+class ViolationLog : public st::StManagerReactor {
+ public:
+  void newViolation(st::StDWSPlugin*, st::StError* error) override {
+    OdDbSymbolTableRecordPtr record = error->objectId().safeOpenObject();
+    names.push_back(record->getName().toUtf8());
+  }
+  std::vector<std::string> names;
+};
+
+TEST(StDocManagerReactor, ALayerTypedOnTheCommandLineIsANewViolation) {
+  ModuleHost m(entrytest::kStandardPlugins);
+  const std::vector<fs::path> office{fs::path(STAUDIT_SOURCE_DIR) / "examples" /
+                                     "office-standards.dws"};
+  HostDocument* plan =
+      m.host.openDrawing(entrytest::writeDrawing(m.dir.path() / "plan.dxf", &office));
+  st::StManager* manager = st::stManagerCache()->getManager(plan->database());
+  ASSERT_NE(manager, nullptr) << m.output();
+  ViolationLog log;
+  manager->addReactor(&log);
+  m.host.submit(L"-LAYER NEW NotStandard\n");
+  manager->removeReactor(&log);
+  EXPECT_EQ(log.names, std::vector<std::string>{"NotStandard"}) << m.output();
 }
 
 }  // namespace

@@ -24,10 +24,15 @@ namespace fs = std::filesystem;
 // colour differs from the standard's.
 inline const char* const kTestPluginLibrary = "EngineTestPlugins";
 
+// Asks ModuleHost for the standard plug-ins (layers, linetypes, text and dimension styles).
+inline const std::vector<std::string> kStandardPlugins{
+    "StDWSDimstylePlugin", "StDWSLayerPlugin", "StDWSLinetypePlugin", "StDWSTextstylePlugin"};
+
 // A headless host with the module loaded by file name, which the host unloads when it shuts
 // down (with the plug-in library the module loaded). The configuration registers the
-// default plug-in library without a file, so that no plug-in loads but those asked for here,
-// from the test plug-in library.
+// default plug-in library without a file, so that no plug-in loads but those asked for here:
+// from the test plug-in library, or the standard plug-ins (kStandardPlugins) from the default
+// library.
 class ModuleHost {
  public:
   explicit ModuleHost(const std::vector<std::string>& testPlugins = {})
@@ -51,10 +56,12 @@ class ModuleHost {
     tree->createKey({"cmddata", "StandardsAudit"}, "Plugins");
     tree->createKey(plugins, "StStandardPlugins");
     if (testPlugins.empty()) return file;
+    const bool standard = testPlugins == kStandardPlugins;
+    const char* const libraryName = standard ? "StStandardPlugins" : kTestPluginLibrary;
     HostConfigTree::Path library = plugins;
-    tree->createKey(library, kTestPluginLibrary);
-    library.push_back(kTestPluginLibrary);
-    tree->setValue(library, "PluginDll", OdVariant(OdString::fromUtf8(kTestPluginLibrary)));
+    if (!standard) tree->createKey(library, libraryName);
+    library.push_back(libraryName);
+    tree->setValue(library, "PluginDll", OdVariant(OdString::fromUtf8(libraryName)));
     for (const std::string& name : testPlugins) {
       tree->createKey(library, name);
       HostConfigTree::Path plugin = library;
