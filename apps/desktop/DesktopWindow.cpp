@@ -16,6 +16,8 @@
 
 #include "DocumentPage.h"
 #include "HostApplication.h"
+#include "HostCloseQuestion.h"
+#include "HostDocumentSave.h"
 #include "HostConfigTree.h"
 #include "HostDocument.h"
 #include "HostQtCommandLine.h"
@@ -319,20 +321,20 @@ bool DesktopWindow::askToSaveAll() {
   for (HostDocument* doc : app_.documents().documents()) {
     if (!doc->isModified()) continue;
     app_.documents().setCurDocument(doc);
-    const int answer = front_.showMessageBox(
-        HostMessageBox{L"Save changes to " + doc->title() + L"?", L"stdesk",
-                       HostButtons::kYesNoCancel, HostIcon::kQuestion, kHostYes});
+    if (!doc->isUntitled()) {
+      if (!hostConfirmClose(doc)) return false;
+      continue;
+    }
+    // A new drawing's name comes from a file dialog here, not from the command line.
+    const int answer = front_.showMessageBox(HostMessageBox{L"Save changes to " + doc->title() +
+                                                                L"?",
+                                                            L"Close", HostButtons::kYesNoCancel,
+                                                            HostIcon::kQuestion, kHostYes});
     if (answer == kHostCancel) return false;
     if (answer == kHostNo) continue;
-    if (doc->isUntitled()) {
-      const QString path = QFileDialog::getSaveFileName(this, tr("Save Drawing As"), startFolder(),
-                                                        tr("DXF drawing (*.dxf)"));
-      if (path.isEmpty() || path.contains('"')) return false;
-      app_.commandLine().feed(L"\"" + od(path) + L"\"\n");
-      if (!app_.commandLine().run(L"SAVEAS").value) return false;
-    } else if (!app_.commandLine().run(L"SAVE").value) {
-      return false;
-    }
+    const QString path = QFileDialog::getSaveFileName(this, tr("Save Drawing As"), startFolder(),
+                                                      tr("DXF drawing (*.dxf)"));
+    if (path.isEmpty() || !hostSaveDocument(doc, od(path))) return false;
   }
   return true;
 }

@@ -131,7 +131,7 @@ class DesktopWindowTest : public QObject {
     d.type("-LAYER NEW Kitchen");
     const auto before = fs::last_write_time(plan);
 
-    clickWhenShows("stdesk", "Cancel");
+    clickWhenShows("Close", "Cancel");
     QVERIFY(!d.window->close());
     QCOMPARE(d.app->documents().documentCount(), 1);
 
