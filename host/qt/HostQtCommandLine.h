@@ -7,6 +7,7 @@ class HostCommandRegistry;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
+class QStringListModel;
 
 // The command-line window docked at the bottom of the desktop host: the text the host printed
 // above, and an input line below with the prompt in front of it.
@@ -14,8 +15,14 @@ class QPlainTextEdit;
 // Enter sends the line to the host application's command line (HostApplication::sendCommand,
 // with a line break), or, while a running command waits for input (waitForLine), hands the
 // line to that command. Escape cancels a waiting command. Up and Down walk the history of
-// lines entered; Tab and the completer complete command names from the registry. Every line
-// entered is shown in the text above after the prompt it answered.
+// lines entered; Tab (to the longest start the matching names share) and the completer's
+// popup complete command names from the registry, read afresh as the person types. Every
+// line entered is shown in the text above after the prompt it answered: a command line after
+// "Command: " (the host's own "Command: NAME" line that follows is then not repeated), an
+// answer to a prompt by the host itself (HostApplication::getString writes it), or by this
+// widget when the waiting command printed no prompt.
+//
+// Needs a running HostApplication to send lines to; without one, lines are only shown.
 class HostQtCommandLine : public QWidget {
   Q_OBJECT
 
@@ -25,7 +32,7 @@ class HostQtCommandLine : public QWidget {
   ~HostQtCommandLine() override;
 
   // Appends host output (with its own line breaks); a text not ending in a line break is a
-  // prompt and is shown in front of the input line too.
+  // prompt and is shown in front of the input line too (else "Command: " when idle).
   void append(const QString& text);
   // Everything shown in the text above, as plain text.
   QString transcript() const;
@@ -50,6 +57,12 @@ class HostQtCommandLine : public QWidget {
   void enter();
   void cancel();
   void refreshCompletion();
+  void completeUniquePrefix();
+  // step -1 goes to an older line, +1 to a newer one.
+  void showHistory(int step);
+  QStringList commandNames() const;
+  void writeOutput(const QString& text);
+  void updatePrompt();
 
   HostCommandRegistry* registry_;
   QPlainTextEdit* output_;
@@ -61,4 +74,10 @@ class HostQtCommandLine : public QWidget {
   bool waitAnswered_ = false;
   QString waitLine_;
   class QEventLoop* loop_ = nullptr;
+  QStringListModel* completions_ = nullptr;
+  // The text of the last output line when it has no line break yet (a prompt).
+  QString partialLine_;
+  // The command name of a line just sent, while the host has not yet written its first
+  // text; null otherwise.
+  QString echoedCommand_;
 };
