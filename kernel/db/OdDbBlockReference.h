@@ -2,7 +2,8 @@
 
 #include "OdDbEntity.h"
 
-// An insert of a block.
+// An insert of a block. A new one (createObject) shows no block yet, at the origin, scale 1,
+// rotation 0, on layer "0".
 class OdDbBlockReference : public OdDbEntity {
   ODRX_DECLARE_MEMBERS(OdDbBlockReference);
 
@@ -15,6 +16,7 @@ class OdDbBlockReference : public OdDbEntity {
 
  protected:
   OdDbBlockReference() = default;
+  void initNewObject() override;
 };
 
 using OdDbBlockReferencePtr = OdSmartPtr<OdDbBlockReference>;

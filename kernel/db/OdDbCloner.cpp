@@ -114,6 +114,7 @@ OdDbObjectId OdDbCloner::ensureByName(OdDbDatabaseImpl::TableKind kind, const Od
 
 OdDbObjectId OdDbCloner::ensureBlock(const OdString& name) {
   if (name.isEmpty()) return OdDbObjectId();
+  if (blockResolver_) return blockResolver_(name);
   OdDbStub* blocks = target_.table(OdDbDatabaseImpl::kBlockRecord);
   if (OdDbStub* mine = target_.findRecord(blocks, name)) return OdDbObjectId(mine);
   if (target_.isR12BlockTable() || source_.isR12BlockTable()) return OdDbObjectId();
@@ -167,9 +168,22 @@ OdDbObjectId OdDbCloner::copyBlock(OdDbStub* record) {
     obj.insertTag(1, doc.makeText(5, made->handle.ascii()));
     obj.insertTag(2, doc.makeText(330, sub ? OdString(parent.c_str()) : OdString(owner.c_str())));
     if (!sub) parent = made->handle.ascii();
+    target_.fireAppended(target_.materialize(made));
     if (type == "ENDBLK") break;
   }
   return copy;
+}
+
+OdDbObjectId OdDbCloner::mapReference(OdDbStub* ref) {
+  if (!ref) return OdDbObjectId();
+  OdDbIdPair pair{OdDbObjectId(ref)};
+  if (map_.compute(pair)) return pair.value;
+  OdDbDatabaseImpl::TableKind kind = OdDbDatabaseImpl::kindOfRecordType(source_.dxf(ref).type());
+  const bool inTables = ref->section != OdDbStub::kNoSection &&
+                        source_.doc().section(ref->section).name() == "TABLES";
+  if (kind == OdDbDatabaseImpl::kTableKinds || !inTables) return OdDbObjectId();
+  return kind == OdDbDatabaseImpl::kBlockRecord ? ensureBlock(source_.recordName(ref))
+                                                : ensureByName(kind, source_.recordName(ref));
 }
 
 void OdDbCloner::translate(std::vector<DxfTag>& body) {
@@ -183,22 +197,7 @@ void OdDbCloner::translate(std::vector<DxfTag>& body) {
     }
     OdDbHandle h;
     OdDbHandle::parse(doc.rawValue(body[i]), h);
-    OdDbObjectId mapped;
-    OdDbStub* ref = h.isNull() ? nullptr : source_.stubByHandle(h.value());
-    if (ref) {
-      OdDbIdPair pair{OdDbObjectId(ref)};
-      if (map_.compute(pair)) {
-        mapped = pair.value;
-      } else {
-        OdDbDatabaseImpl::TableKind kind =
-            OdDbDatabaseImpl::kindOfRecordType(source_.dxf(ref).type());
-        if (kind != OdDbDatabaseImpl::kTableKinds && ref->section != OdDbStub::kNoSection &&
-            source_.doc().section(ref->section).name() == "TABLES")
-          mapped = kind == OdDbDatabaseImpl::kBlockRecord
-                       ? ensureBlock(source_.recordName(ref))
-                       : ensureByName(kind, source_.recordName(ref));
-      }
-    }
+    OdDbObjectId mapped = mapReference(h.isNull() ? nullptr : source_.stubByHandle(h.value()));
     if (mapped.isNull() && (code == 390 || code == 347)) mapped = layerZeroReference(code);
     if (mapped.isNull()) {
       body.erase(body.begin() + static_cast<std::ptrdiff_t>(i));

@@ -15,6 +15,8 @@
 // counterparts of layer "0" (plot style, material) or dropped. Applications named in
 // extended data are registered in the target.
 
+#include <functional>
+
 #include "OdDb.h"
 #include "OdDbDatabaseImpl.h"
 #include "OdDbIdMapping.h"
@@ -29,10 +31,28 @@ class OdDbCloner {
   OdDbObjectId clone(OdDbStub* record, OdDbDatabaseImpl::TableKind kind,
                      OdDb::DuplicateRecordCloning drc, bool primary);
 
- private:
-  // The source record of table `kind` named `name`, cloned into the target when it lacks
-  // one (kDrcIgnore); null when neither has it.
+  // The target's record of table `kind` named `name`, or the source's cloned into the target
+  // when the target lacks one (kDrcIgnore); null when neither has it.
   OdDbObjectId ensureByName(OdDbDatabaseImpl::TableKind kind, const OdString& name);
+  // The target object a copy's reference to the source object `ref` goes to: what the map
+  // says it became, else for a symbol table record the target's record of that name (made
+  // as ensureByName and ensureBlock make it); null when there is none.
+  OdDbObjectId mapReference(OdDbStub* ref);
+  // Points the pointer groups of a copied `body` (tags of the target) at the target's
+  // objects (mapReference; a plot style or material that maps to nothing goes to layer
+  // "0"'s), dropping those that map to nothing; extended data is left as it is.
+  void translate(std::vector<DxfTag>& body);
+  // Registers in the target the applications that name extended data in `body`.
+  void registerApps(const std::vector<DxfTag>& body);
+  // Who brings blocks over when a copy names or points to one: by default ensureBlock
+  // below; a caller that copies blocks its own way (under other names, with notifications)
+  // puts its function here, which gets the source block's name and returns the target's
+  // block record (null when there is none).
+  void setBlockResolver(std::function<OdDbObjectId(const OdString&)> resolver) {
+    blockResolver_ = std::move(resolver);
+  }
+
+ private:
   // The target's block called `name`, copied in from the source's when the target lacks it;
   // null when neither has it or a release-12 drawing (which keeps blocks without records)
   // takes part.
@@ -40,11 +60,10 @@ class OdDbCloner {
   OdDbObjectId copyBlock(OdDbStub* record);
   // Makes sure the target has the records an entity of the copied block names by name.
   void ensureEntityNames(const DxfObject& entity);
-  void translate(std::vector<DxfTag>& body);
-  void registerApps(const std::vector<DxfTag>& body);
   OdDbObjectId layerZeroReference(int code);
 
   OdDbDatabaseImpl& source_;
   OdDbDatabaseImpl& target_;
   OdDbIdMapping& map_;
+  std::function<OdDbObjectId(const OdString&)> blockResolver_;
 };

@@ -9,6 +9,7 @@
 #include "OdDbCloner.h"
 #include "OdDbDatabaseImpl.h"
 #include "OdDbDatabaseReactor.h"
+#include "OdDbDrawingInserter.h"
 #include "OdDbEmptyDrawing.h"
 #include "OdDbObject.h"
 #include "OdDbRecordLinks.h"
@@ -227,6 +228,11 @@ void OdDbDatabase::wblockCloneObjects(const OdDbObjectIdArray& ids, const OdDbOb
                                        OdDbDatabaseImpl::tableName(kind) + " table");
     cloner.clone(id.stub(), kind, drc, true);
   }
+}
+
+OdDbDatabase::InsertResult OdDbDatabase::insert(const OdString& name, const OdDbDatabase& source) {
+  OdDbDrawingInserter inserter(source.impl(), *impl_);
+  return inserter.insert(name);
 }
 
 OdResBufPtr OdDbDatabase::getHeaderVariable(const OdString& name) const {

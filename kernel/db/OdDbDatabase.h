@@ -161,6 +161,37 @@ class OdDbDatabase : public OdRxObject {
                           OdDbIdMapping& idMap, OdDb::DuplicateRecordCloning drc,
                           bool deferTranslation = false);
 
+  // What insert made.
+  struct InsertResult {
+    OdDbObjectId block;        // the new block record
+    OdString blockName;        // its name
+    OdDbObjectId reference;    // the insert of it in model space
+    std::size_t entities = 0;  // entities copied into it (their sub-entities not counted)
+  };
+  // Inserts the drawing `source` into this one as a block, as a drawing inserted into another
+  // in any CAD program: a new block holding copies of the source's model-space entities with
+  // their sub-entities (attributes, vertices, SEQEND), and one insert of it in model space at
+  // 0,0,0, scale 1, rotation 0, on the current layer ($CLAYER; layer "0" when that is
+  // missing). The block is called `name` made a valid record name (characters a name cannot
+  // hold become '_'; a release-12 drawing takes letters, digits, '$', '-' and '_' only, in
+  // upper case, up to 31) and unique ("plan", "plan(2)", "plan(3)"...; "PLAN_2" in release
+  // 12). The records the copies name (layers, linetypes, text styles, dimension styles and the
+  // blocks that inserts and dimensions show, with what those hold in turn) are copied when
+  // this drawing has none of that name and this drawing's record is used when it has one; an
+  // anonymous block ("*D1") whose name is taken is copied under a free anonymous name
+  // instead. Every new object gets a new handle and is appended as reactors see it, once its
+  // tags are complete. Pointers of the copies to copied objects are translated, those to
+  // anything else dropped (a plot style or material goes to layer "0"'s), and extended-data
+  // handles that point outside what was copied become null handles; application groups
+  // (reactors, extension dictionaries) are not copied.
+  // A source of the same family of releases as this drawing (release 12 and older, or
+  // release 13 and later) is copied tag for tag; the source is not changed. Throws OdError,
+  // before anything changes: eWrongDatabase when `source` is this drawing, eNotImplementedYet
+  // for drawings of the two families (naming both releases) or a drawing of release 13 or
+  // later without a block table. Should a copy fail half-way, what it made is erased again
+  // before the error goes on.
+  InsertResult insert(const OdString& name, const OdDbDatabase& source);
+
   // Internal to TD_Db.
   OdDbDatabaseImpl& impl() const noexcept { return *impl_; }
 

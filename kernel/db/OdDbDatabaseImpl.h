@@ -68,6 +68,8 @@ class OdDbDatabaseImpl {
   void materializeTable(TableKind kind);
   OdDbStub* stubByHandle(std::uint64_t handle) const;
   std::size_t numStubs() const noexcept { return stubs_.size(); }
+  // The stubs in the order they were made; unchecked: `position` < numStubs().
+  OdDbStub* stubAt(std::size_t position) const noexcept { return &stubs_[position]; }
   // The stub of the object at a position, or null (section heads, ENDTAB, unindexed sections).
   OdDbStub* slot(std::size_t section, std::size_t index) const;
   // Checked: throws std::out_of_range for a section the document lacks.
