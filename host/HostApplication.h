@@ -34,7 +34,8 @@ class HostStatusBar;
 //                  (HostCloseQuestion.h)
 //   SETVAR name value   sets a system variable of the current document
 //   HELP topic     shows a help page
-//   SAVE, SAVEAS file, TRANSMIT folder, IMPORT, PLOT file   see HostFileCommands.h
+//   SAVE, SAVEAS file, TRANSMIT folder, PLOT file           see HostFileCommands.h
+//   IMPORT file                                             see HostImportCommand.h
 //   -LAYER, SELECT, CHANGE, NEW, ZOOM                       see HostEditCommands.h
 class HostApplication : public HostServices {
  public:

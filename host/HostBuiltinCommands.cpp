@@ -7,6 +7,7 @@
 #include "HostCommandRegistry.h"
 #include "HostEditCommands.h"
 #include "HostFileCommands.h"
+#include "HostImportCommand.h"
 #include "HostSysVars.h"
 #include "OdError.h"
 
@@ -102,4 +103,5 @@ void registerHostBuiltins(HostCommandRegistry& registry) {
   registry.add(L"HELP", group, kHostCmdTransparent, &createCommand<HelpCommand>);
   registerHostFileCommands(registry);
   registerHostEditCommands(registry);
+  registerHostImportCommand(registry);
 }

@@ -199,16 +199,6 @@ class TransmitCommand : public UICmdProcess {
   }
 };
 
-class ImportCommand : public UICmdProcess {
- public:
-  bool execute() override {
-    if (!currentDocument(L"IMPORT")) return false;
-    hostRunSilentCheck(kHostCheckImport);
-    app().cmdPrint(L"IMPORT: this host imports no other file formats\n");
-    return false;
-  }
-};
-
 class PlotCommand : public UICmdProcess {
  public:
   bool execute() override {
@@ -236,6 +226,5 @@ void registerHostFileCommands(HostCommandRegistry& registry) {
   registry.add(L"SAVE", group, kHostCmdModal, &createCommand<SaveCommand>);
   registry.add(L"SAVEAS", group, kHostCmdModal, &createCommand<SaveAsCommand>);
   registry.add(L"TRANSMIT", group, kHostCmdModal, &createCommand<TransmitCommand>);
-  registry.add(L"IMPORT", group, kHostCmdModal, &createCommand<ImportCommand>);
   registry.add(L"PLOT", group, kHostCmdModal, &createCommand<PlotCommand>);
 }

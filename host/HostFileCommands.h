@@ -16,7 +16,6 @@ class HostCommandRegistry;
 //                    the package finds them where it is unpacked; the open drawing is left
 //                    as it is. The files are those a loaded module reports (see
 //                    HostFileCommands.cpp); with no such module only the drawing is packed.
-//   IMPORT           says that this host has no importer of other formats
 //   PLOT file.pdf    plots the current drawing to a PDF file through the front
 //                    (HostFrontend::plotToPdf); "PLOT: wrote FILE" or "PLOT: cannot plot: why"
 // Each first offers the loaded modules a silent standards check (HostSilentCheck) with its
