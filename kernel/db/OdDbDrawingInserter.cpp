@@ -253,12 +253,15 @@ OdDbStub* OdDbDrawingInserter::makeBlock(const OdString& name, OdDbStub* sourceR
 
   OdDbStub* record = nullptr;
   std::string owner;
-  if (modern_) {
+  if (!target_.isR12BlockTable()) {
     const bool fromRecord = sourceRecord && source_.dxf(sourceRecord).type() == "BLOCK_RECORD";
-    std::vector<DxfTag> body =
-        fromRecord ? renamed(bodyOf(source_.dxf(sourceRecord)))
-                   : raw({{100, "AcDbSymbolTableRecord"}, {100, "AcDbBlockTableRecord"}});
-    if (!fromRecord) body.push_back(doc.makeText(2, name));
+    std::vector<DxfTag> body;
+    if (fromRecord) {
+      body = renamed(bodyOf(source_.dxf(sourceRecord)));
+    } else {
+      if (modern_) body = raw({{100, "AcDbSymbolTableRecord"}, {100, "AcDbBlockTableRecord"}});
+      body.push_back(doc.makeText(2, name));
+    }
     target_.materializeTable(Impl::kBlockRecord);
     OdDbStub* table = target_.table(Impl::kBlockRecord);
     const DxfSection& tables = doc.section(table->section);
@@ -287,8 +290,8 @@ OdDbStub* OdDbDrawingInserter::makeBlock(const OdString& name, OdDbStub* sourceR
   const std::size_t blocks = target_.ensureSection("BLOCKS");
   OdDbStub* block = place(blocks, doc.section(blocks).size(), doc.makeRaw(0, "BLOCK"),
                           std::move(blockBody), 5, owner);
-  if (!modern_) {
-    block->flags |= OdDbStub::kBlockView;  // a release-12 block's BLOCK entity is its record
+  if (!record) {
+    block->flags |= OdDbStub::kBlockView;  // without a block table the BLOCK is the record
     target_.invalidateNames();
     record = block;
   }
@@ -304,7 +307,7 @@ OdDbStub* OdDbDrawingInserter::makeBlock(const OdString& name, OdDbStub* sourceR
                            std::move(endBody), 5, owner);
   if (sourceRecord) {
     map_.assign(OdDbIdPair(OdDbObjectId(sourceRecord), OdDbObjectId(record), true, false));
-    if (modern_ && from)
+    if (record != block && from)
       map_.assign(OdDbIdPair(OdDbObjectId(source_.slot(source_.blocksSection(), begin)),
                              OdDbObjectId(block), true, false));
     if (end != SIZE_MAX)

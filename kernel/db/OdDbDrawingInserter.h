@@ -44,7 +44,8 @@ class OdDbDrawingInserter {
   OdDbObjectId resolveBlock(const OdString& name);
   // A new block `name` of the target, empty, opened like the source's `sourceRecord` (base
   // point, flags, description) or from scratch when that is null; returns its record (in a
-  // release-12 drawing, its BLOCK entity). `flags` is the group 70 of a block from scratch.
+  // drawing without a block table, as release 12 has none, its BLOCK entity). `flags` is the group
+  // 70 of a block from scratch.
   OdDbStub* makeBlock(const OdString& name, OdDbStub* sourceRecord, int flags);
   // Copies `entities` of the source (top-level ones) and what belongs to them into the block
   // `record` of the target; returns how many top-level entities were copied.

@@ -158,6 +158,14 @@ TEST(DbInsert, RealDrawingsGoInAsABlockWithTheirRecords) {
   }
 }
 
+// Fails the insert half-way, as any error after the first copies would.
+struct FailingReactor : OdDbDatabaseReactor {
+  int left = 12;  // of 17: among the copies, after records and block
+  void objectAppended(const OdDbDatabase*, const OdDbObject*) override {
+    if (--left == 0) throw OdError(eInvalidInput, "stopped on purpose");
+  }
+};
+
 TEST(DbInsert, DrawingsThatCannotBeCombinedChangeNothing) {
   auto r12 = dbtest::corpusFile("r12_acsharp_sample_ascii.dxf");
   if (r12.empty()) GTEST_SKIP() << "the shared corpus is absent";
@@ -177,6 +185,16 @@ TEST(DbInsert, DrawingsThatCannotBeCombinedChangeNothing) {
   EXPECT_THROW(drawing->insert(L"self", *drawing), OdError);
   EXPECT_EQ(drawing->writeBuffer(), before);
   EXPECT_EQ(drawing->nextHandle(), OdDbDatabase::createEmpty()->nextHandle());
+
+  // What an insert that fails half-way made is erased again: the saved drawing is as before.
+  OdDbDatabasePtr plan = OdDbDatabase::readFile(dbtest::corpusFile("r2013_ezdxf_groups.dxf"));
+  auto failing = OdRxObjectImpl<FailingReactor>::createObject();
+  drawing->addReactor(failing.get());
+  EXPECT_THROW(drawing->insert(L"plan", *plan), OdError);
+  drawing->removeReactor(failing.get());
+  EXPECT_LE(failing->left, 0);
+  EXPECT_TRUE(blockNamed(*drawing, L"plan").isNull());
+  EXPECT_TRUE(dbtest::differingObjects(before, drawing->writeBuffer()).empty());
 
   // Names a block record cannot hold are cleaned.
   OdDbDatabasePtr other = OdDbDatabase::createEmpty();
