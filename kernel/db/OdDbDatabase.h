@@ -174,11 +174,11 @@ class OdDbDatabase : public OdRxObject {
   // 0,0,0, scale 1, rotation 0, on the current layer ($CLAYER; layer "0" when that is
   // missing). The block is called `name` made a valid record name (characters a name cannot
   // hold become '_'; a release-12 drawing takes letters, digits, '$', '-' and '_' only, in
-  // upper case, up to 31) and unique ("plan", "plan(2)", "plan(3)"...; "PLAN_2" in release
-  // 12). The records the copies name (layers, linetypes, text styles, dimension styles and the
-  // blocks that inserts and dimensions show, with what those hold in turn) are copied when
-  // this drawing has none of that name and this drawing's record is used when it has one; an
-  // anonymous block ("*D1") whose name is taken is copied under a free anonymous name
+  // upper case, up to 31; "Block" for an empty name) and unique ("plan", "plan(2)", "plan(3)"...;
+  // "PLAN_2" in release 12). The records the copies name (layers, linetypes, text styles, dimension
+  // styles and the blocks that inserts and dimensions show, with what those hold in turn) are
+  // copied when this drawing has none of that name and this drawing's record is used when it has
+  // one; an anonymous block ("*D1") whose name is taken is copied under a free anonymous name
   // instead. Every new object gets a new handle and is appended as reactors see it, once its
   // tags are complete. Pointers of the copies to copied objects are translated, those to
   // anything else dropped (a plot style or material goes to layer "0"'s), and extended-data
