@@ -14,6 +14,7 @@
 #include <QScrollBar>
 #include <QStringListModel>
 #include <QTextCursor>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <functional>
 
@@ -180,11 +181,16 @@ void HostQtCommandLine::enter() {
   emit lineEntered(line);
   if (line.trimmed().isEmpty()) return;
   writeOutput((partialLine_.isEmpty() ? kIdlePrompt : QString()) + line + QLatin1Char('\n'));
-  HostApplication* app = HostApplication::current();
-  if (!app) return;
-  echoedCommand_ = firstWord(line);
-  app->sendCommand(toOdString(line + QLatin1Char('\n')));
-  echoedCommand_ = QString();
+  // The command runs from the event loop, not inside the input line's key handling: it may
+  // wait for more input in a loop of its own, during which this widget may even go.
+  QTimer::singleShot(0, this, [this, line] {
+    HostApplication* app = HostApplication::current();
+    if (!app) return;
+    QPointer<HostQtCommandLine> alive(this);
+    echoedCommand_ = firstWord(line);
+    app->sendCommand(toOdString(line + QLatin1Char('\n')));
+    if (alive) echoedCommand_ = QString();
+  });
 }
 
 void HostQtCommandLine::cancel() {

@@ -88,6 +88,8 @@ HostQtTaskDialog::HostQtTaskDialog(const HostTaskDialog& dialog, QWidget* parent
     buttons_.emplace_back(button, id);
   }
   layout->addLayout(row);
+  // Wide enough that an instruction of a line or two reads as a heading, not a column.
+  setMinimumWidth(fontMetrics().averageCharWidth() * 64);
 }
 
 HostQtTaskDialog::~HostQtTaskDialog() = default;
