@@ -83,7 +83,7 @@ unsigned HostQtDrawingPainter::aciToRgb(int index) {
   if (index >= 250 && index <= 255) return kGreys[index - 250];
   if (index < 10 || index > 249) return 0xFFFFFF;
   // 24 hues of ten shades: five brightnesses, each full and half saturated.
-  static constexpr double kValue[5] = {255.0, 165.0, 127.0, 76.0, 38.0};
+  static constexpr double kValue[5] = {255.0, 0.65 * 255, 0.5 * 255, 0.3 * 255, 0.15 * 255};
   const int hue = (index - 10) / 10;
   const double value = kValue[(index % 10) / 2];
   const bool half = index % 2 == 1;
