@@ -4,11 +4,14 @@
 #include <QImage>
 #include <QPainter>
 #include <QTest>
+#include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <set>
 
 #include "HostQtDrawingPainter.h"
 #include "OdDbDatabase.h"
+#include "OdError.h"
 #include "QtHostSupport.h"
 
 namespace fs = std::filesystem;
@@ -32,6 +35,35 @@ msp.add_polyline2d([(20, 30), (30, 30), (30, 40)])
 msp.add_line((0, 0), (1000, 1000), dxfattribs={'layer': 'Hidden'})
 msp.add_line((0, 0), (-1000, -1000), dxfattribs={'layer': 'Frozen'})
 doc.saveas(path)
+)";
+
+// The extents in x and y of what the painter draws, as the reference implementation finds
+// them: the kinds of entity it paints, on layers neither off nor frozen, meshes left out, and
+// as centre lines (the painter draws no widths or thickness).
+const char* kReferenceExtents = R"(
+from ezdxf import bbox
+doc = ezdxf.readfile(path)
+hidden = {l.dxf.name.lower() for l in doc.layers if l.is_off() or l.is_frozen()}
+def drawn(e):
+    if e.dxftype() not in ('LINE', 'LWPOLYLINE', 'POLYLINE', 'CIRCLE', 'ARC', 'POINT'):
+        return False
+    if e.dxf.layer.lower() in hidden or e.dxf.get('invisible', 0):
+        return False
+    return e.dxftype() != 'POLYLINE' or not (e.is_poly_face_mesh or e.is_polygon_mesh)
+kept = [e for e in doc.modelspace() if drawn(e)]
+for e in kept:
+    e.dxf.discard('thickness')
+    if e.dxftype() == 'LWPOLYLINE':
+        e.dxf.discard('const_width')
+        e.set_points(e.get_points('xyb'), format='xyb')
+    if e.dxftype() == 'POLYLINE':
+        for a in ('default_start_width', 'default_end_width'):
+            e.dxf.discard(a)
+        for v in e.vertices:
+            v.dxf.discard('start_width')
+            v.dxf.discard('end_width')
+b = bbox.extents(kept)
+print(b.extmin.x, b.extmin.y, b.extmax.x, b.extmax.y)
 )";
 
 // Pixels of `image` that are clearly of one primary colour, or grey, by name.
@@ -61,6 +93,8 @@ class HostQtDrawingPainterTest : public QObject {
 
  private slots:
   void readsModelSpaceAndPaintsItsColours();
+  void extentsAgreeWithTheReference();
+  void paintsEveryReadableCorpusDrawing();
   void paletteMatchesTheReferenceImplementation();
   void plotWritesAWholePdfOrAnError();
 };
@@ -112,6 +146,57 @@ void HostQtDrawingPainterTest::readsModelSpaceAndPaintsItsColours() {
   QCOMPARE(nothing.title(), QStringLiteral("Untitled"));
 }
 
+void HostQtDrawingPainterTest::extentsAgreeWithTheReference() {
+  const fs::path corpus = testsupport::corpusDir();
+  if (corpus.empty()) QSKIP("the shared corpus of drawings is absent");
+  // Lines and bulged polylines, arcs, polylines in tilted planes, a plan with many layers.
+  for (const char* name :
+       {"r12_dxf2gcode_stir1.dxf", "r12_ezdxf_poli_all210.DXF", "r2004_dxfvuer_city_map_export.dxf",
+        "r2013_pavilion_plan.dxf", "r2010_qcad_entities_33styles.dxf"}) {
+    const fs::path file = corpus / name;
+    const auto reference = testsupport::ezdxf(kReferenceExtents, file);
+    QVERIFY2(reference.exitCode == 0, reference.output.c_str());
+    double x0, y0, x1, y1;
+    QVERIFY(std::sscanf(reference.output.c_str(), "%lf %lf %lf %lf", &x0, &y0, &x1, &y1) == 4);
+    HostQtDrawingPainter painter(*OdDbDatabase::readFile(file));
+    const QRectF e = painter.extents();
+    // Arcs are drawn as chords, which fall inside the arc by a little.
+    const double slack = 1e-3 * std::max(x1 - x0, y1 - y0);
+    const bool same = std::abs(e.left() - x0) <= slack && std::abs(e.top() - y0) <= slack &&
+                      std::abs(e.right() - x1) <= slack && std::abs(e.bottom() - y1) <= slack;
+    QVERIFY2(same, qPrintable(QStringLiteral("%1: %2 %3 %4 %5, reference %6")
+                                  .arg(name)
+                                  .arg(e.left())
+                                  .arg(e.top())
+                                  .arg(e.right())
+                                  .arg(e.bottom())
+                                  .arg(QString::fromStdString(reference.output).trimmed())));
+  }
+}
+
+void HostQtDrawingPainterTest::paintsEveryReadableCorpusDrawing() {
+  const auto drawings = testsupport::corpusDrawings();
+  if (drawings.empty()) QSKIP("the shared corpus of drawings is absent");
+  QImage image(200, 150, QImage::Format_RGB32);
+  std::size_t painted = 0;
+  for (const fs::path& file : drawings) {
+    OdDbDatabasePtr db;
+    try {
+      db = OdDbDatabase::readFile(file);
+    } catch (const OdError&) {
+      continue;  // the kernel's refusal is tested with the kernel
+    }
+    HostQtDrawingPainter painter(*db);
+    const QRectF e = painter.extents();
+    QVERIFY2(painter.segmentCount() == 0 || (std::isfinite(e.width()) && std::isfinite(e.height())),
+             file.filename().c_str());
+    QPainter p(&image);
+    painter.paint(p, QRectF(0, 0, 200, 150), true);
+    painted += painter.segmentCount() > 0;
+  }
+  QVERIFY(painted > 0);
+}
+
 void HostQtDrawingPainterTest::paletteMatchesTheReferenceImplementation() {
   testsupport::TempDir dir;
   const fs::path out = dir.path() / "palette.txt";
@@ -147,6 +232,8 @@ void HostQtDrawingPainterTest::plotWritesAWholePdfOrAnError() {
     const std::string bytes = testsupport::readBytes(pdf);
     QVERIFY(bytes.rfind("%PDF-", 0) == 0);
     QVERIFY(bytes.find("%%EOF") != std::string::npos);
+    // The title, in the UTF-16 form the writer gives every text.
+    QVERIFY(bytes.find(std::string("/Title (\xfe\xff\0p\0l\0a\0n)", 19)) != std::string::npos);
   }
   QCOMPARE(filesIn(dir.path()).size(), std::size_t(2));
 
