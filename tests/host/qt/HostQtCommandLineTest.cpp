@@ -202,12 +202,26 @@ void HostQtCommandLineTest::commandNamesComplete() {
   QTest::keyClicks(input, "ask");
   QCOMPARE(input->completer()->completionCount(), 2);
   QTRY_VERIFY(input->completer()->popup()->isVisible());
-  QTest::keyClick(input, Qt::Key_Tab);
+  QTest::keyClick(input->completer()->popup(), Qt::Key_Tab);  // keys go to an open popup
   QCOMPARE(input->text(), QStringLiteral("ASK"));
   QTest::keyClicks(input, "t");
   QTest::keyClick(input, Qt::Key_Tab);
   QCOMPARE(input->text(), QStringLiteral("ASKTWICE"));
+  // A name chosen in the popup is sent, and the line is empty afterwards.
+  input->clear();
+  QTest::keyClicks(input, "ask");
+  QTRY_VERIFY(input->completer()->popup()->isVisible());
+  QTest::keyClick(input->completer()->popup(), Qt::Key_Down);
+  QTest::keyClick(input->completer()->popup(), Qt::Key_Down);
+  QCOMPARE(input->text(), QStringLiteral("ASKTWICE"));
+  whenWaiting(&s.line, [&] { QTest::keyClick(input, Qt::Key_Escape); });
+  QTest::keyClick(input->completer()->popup(), Qt::Key_Return);
+  QVERIFY(input->text().isEmpty() && !input->completer()->popup()->isVisible());
+  QTRY_VERIFY(g_asked.ran);
+  QVERIFY(s.line.transcript().startsWith("Command: ASKTWICE\n"));
+
   // Words after the command are not command names.
+  QTest::keyClicks(input, "ASKTWICE");
   QTest::keyClicks(input, " sa");
   QTest::keyClick(input, Qt::Key_Tab);
   QCOMPARE(input->text(), QStringLiteral("ASKTWICE sa"));
