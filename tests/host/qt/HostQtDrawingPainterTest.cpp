@@ -244,6 +244,12 @@ void HostQtDrawingPainterTest::plotWritesAWholePdfOrAnError() {
   QVERIFY2(
       text.contains(QString::fromStdString(blocked.string())) && text.contains("Not a directory"),
       qPrintable(text));
+  // A plot the user made read-only stays as it is.
+  const std::string before = testsupport::readBytes(pdf);
+  fs::permissions(pdf, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+  QVERIFY(!host.front.plotToPdf(*db, OdString(pdf.wstring()), error));
+  QVERIFY2(QString::fromStdWString(error.str()).contains("read-only"), error.toUtf8().c_str());
+  QVERIFY(testsupport::readBytes(pdf) == before);
   QCOMPARE(filesIn(dir.path()).size(), std::size_t(2));
 }
 
