@@ -14,6 +14,7 @@
 #include <QScrollBar>
 #include <QStringListModel>
 #include <QTextCursor>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <functional>
 
@@ -27,19 +28,30 @@ const QString kIdlePrompt = QStringLiteral("Command: ");
 // Lines of host output kept; older ones scroll away for good.
 constexpr int kKeptLines = 2000;
 
-// The input line. Tab must complete rather than move the focus, and a completer's popup hands
-// keys to the line through event() directly, past any event filter: so it is caught here.
+// The input line. A completer's open popup hands keys to the line through event() directly,
+// past any event filter, and completes Tab and Enter itself when the line leaves them: so
+// they are taken here, before the line moves the focus (Tab) or the popup puts its choice
+// back into a line already sent (Enter).
 class CommandInput : public QLineEdit {
  public:
   using QLineEdit::QLineEdit;
   std::function<void()> onTab;
+  std::function<void()> onEnter;
 
  protected:
   bool event(QEvent* event) override {
-    if (event->type() == QEvent::KeyPress && onTab) {
+    if (event->type() == QEvent::KeyPress) {
       auto* key = static_cast<QKeyEvent*>(event);
-      if (key->key() == Qt::Key_Tab && key->modifiers() == Qt::NoModifier) {
+      const bool plain = (key->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+      if (plain && key->key() == Qt::Key_Tab && onTab) {
         onTab();
+        event->accept();
+        return true;
+      }
+      if (plain && (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) && onEnter) {
+        if (completer()) completer()->popup()->hide();
+        onEnter();
+        event->accept();
         return true;
       }
     }
@@ -71,6 +83,7 @@ HostQtCommandLine::HostQtCommandLine(HostCommandRegistry* registry, QWidget* par
   prompt_->setFont(mono);
   auto* input = new CommandInput(this);
   input->onTab = [this] { completeUniquePrefix(); };
+  input->onEnter = [this] { enter(); };
   input_ = input;
   input_->setFont(mono);
   input_->setFrame(false);
@@ -85,7 +98,6 @@ HostQtCommandLine::HostQtCommandLine(HostCommandRegistry* registry, QWidget* par
   completer->setModelSorting(QCompleter::CaseInsensitivelySortedModel);
   input_->setCompleter(completer);
   connect(input_, &QLineEdit::textEdited, this, [this] { refreshCompletion(); });
-  connect(input_, &QLineEdit::returnPressed, this, [this] { enter(); });
 
   auto* row = new QHBoxLayout;
   row->setContentsMargins(4, 0, 4, 2);
@@ -180,11 +192,16 @@ void HostQtCommandLine::enter() {
   emit lineEntered(line);
   if (line.trimmed().isEmpty()) return;
   writeOutput((partialLine_.isEmpty() ? kIdlePrompt : QString()) + line + QLatin1Char('\n'));
-  HostApplication* app = HostApplication::current();
-  if (!app) return;
-  echoedCommand_ = firstWord(line);
-  app->sendCommand(toOdString(line + QLatin1Char('\n')));
-  echoedCommand_ = QString();
+  // The command runs from the event loop, not inside the input line's key handling: it may
+  // wait for more input in a loop of its own, during which this widget may even go.
+  QTimer::singleShot(0, this, [this, line] {
+    HostApplication* app = HostApplication::current();
+    if (!app) return;
+    QPointer<HostQtCommandLine> alive(this);
+    echoedCommand_ = firstWord(line);
+    app->sendCommand(toOdString(line + QLatin1Char('\n')));
+    if (alive) echoedCommand_ = QString();
+  });
 }
 
 void HostQtCommandLine::cancel() {

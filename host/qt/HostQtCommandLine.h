@@ -13,14 +13,15 @@ class QStringListModel;
 // above, and an input line below with the prompt in front of it.
 //
 // Enter sends the line to the host application's command line (HostApplication::sendCommand,
-// with a line break), or, while a running command waits for input (waitForLine), hands the
-// line to that command. Escape cancels a waiting command. Up and Down walk the history of
-// lines entered; Tab (to the longest start the matching names share) and the completer's
-// popup complete command names from the registry, read afresh as the person types. Every
-// line entered is shown in the text above after the prompt it answered: a command line after
-// "Command: " (the host's own "Command: NAME" line that follows is then not repeated), an
-// answer to a prompt by the host itself (HostApplication::getString writes it), or by this
-// widget when the waiting command printed no prompt.
+// with a line break; from the event loop, just after the key), or, while a running command waits
+// for input (waitForLine), hands the line to that command. Escape cancels a waiting command. Up and
+// Down walk the history of lines entered (a line entered twice in a row is kept once); Tab (to the
+// longest start the matching names share) and the completer's popup complete command names from the
+// registry, read afresh as the person types. Every line entered is shown in the text above after
+// the prompt it answered: a command line after "Command: " (the host's own "Command: NAME" line
+// that follows is then not repeated), an answer to a prompt by the host itself
+// (HostApplication::getString writes it), or by this widget when the waiting command printed no
+// prompt.
 //
 // Needs a running HostApplication to send lines to; without one, lines are only shown.
 class HostQtCommandLine : public QWidget {

@@ -57,11 +57,45 @@ long long integerOr(const DxfObject& obj, int code, long long dflt) {
   return at == DxfObject::npos ? dflt : obj.integer(at);
 }
 
-// An object whose extrusion is (0, 0, -1) has its own x axis pointing the other way; any other
-// extrusion is taken as (0, 0, 1).
-bool mirrored(const DxfObject& obj) {
-  return realOr(obj, 230, 1.0) < 0;
-}
+// The plane of a planar object (its object coordinate system): the extrusion direction
+// (210/220/230) and the axes the arbitrary-axis rule gives it, at the object's elevation. Maps
+// the object's own x, y to the drawing's, seen from above.
+struct Plane {
+  double ax[3] = {1, 0, 0};
+  double ay[3] = {0, 1, 0};
+  double n[3] = {0, 0, 1};
+  double z = 0;
+
+  // The plane of `obj`, at the elevation of group `elevationCode`.
+  static Plane of(const DxfObject& obj, int elevationCode) {
+    Plane p;
+    p.z = realOr(obj, elevationCode, 0.0);
+    double n[3] = {realOr(obj, 210, 0.0), realOr(obj, 220, 0.0), realOr(obj, 230, 1.0)};
+    const double length = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+    if (!(length > 1e-12) || !std::isfinite(length)) return p;
+    for (double& c : n) c /= length;
+    // Near the drawing's z axis the x axis is world y cross n, else world z cross n.
+    double a[3];
+    if (std::abs(n[0]) < 1.0 / 64 && std::abs(n[1]) < 1.0 / 64) {
+      a[0] = n[2], a[1] = 0, a[2] = -n[0];
+    } else {
+      a[0] = -n[1], a[1] = n[0], a[2] = 0;
+    }
+    const double al = std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]);
+    for (int i = 0; i < 3; ++i) {
+      p.n[i] = n[i];
+      p.ax[i] = a[i] / al;
+    }
+    p.ay[0] = p.n[1] * p.ax[2] - p.n[2] * p.ax[1];
+    p.ay[1] = p.n[2] * p.ax[0] - p.n[0] * p.ax[2];
+    p.ay[2] = p.n[0] * p.ax[1] - p.n[1] * p.ax[0];
+    return p;
+  }
+
+  QPointF map(double x, double y) const {
+    return QPointF(x * ax[0] + y * ay[0] + z * n[0], x * ax[1] + y * ay[1] + z * n[1]);
+  }
+};
 
 // One channel of the hue ring: 0 to 1 over the 24 hues of 15 degrees.
 double hueChannel(int hue, int offset) {
@@ -83,7 +117,7 @@ unsigned HostQtDrawingPainter::aciToRgb(int index) {
   if (index >= 250 && index <= 255) return kGreys[index - 250];
   if (index < 10 || index > 249) return 0xFFFFFF;
   // 24 hues of ten shades: five brightnesses, each full and half saturated.
-  static constexpr double kValue[5] = {255.0, 165.0, 127.0, 76.0, 38.0};
+  static constexpr double kValue[5] = {255.0, 0.65 * 255, 0.5 * 255, 0.3 * 255, 0.15 * 255};
   const int hue = (index - 10) / 10;
   const double value = kValue[(index % 10) / 2];
   const bool half = index % 2 == 1;
@@ -96,6 +130,13 @@ unsigned HostQtDrawingPainter::aciToRgb(int index) {
 }
 
 namespace {
+// Colour 7, by block (0: blocks are not followed), and an index no palette has contrast with
+// the background.
+unsigned indexColour(int index, unsigned foreground) {
+  if (index < 1 || index > 255 || index == 7) return foreground;
+  return HostQtDrawingPainter::aciToRgb(index);
+}
+
 struct LayerLook {
   bool visible = true;
   unsigned rgb = 0;
@@ -113,9 +154,8 @@ unsigned entityColour(const OdDbEntity& entity, const DxfObject& tags,
         look.visible = !layer->isOff() && !layer->isFrozen();
         const std::int32_t trueColor = layer->trueColor();
         const short index = layer->colorIndex();
-        look.rgb = trueColor >= 0 ? static_cast<unsigned>(trueColor)
-                   : index == 7   ? foreground
-                                  : HostQtDrawingPainter::aciToRgb(index);
+        look.rgb = trueColor >= 0 ? static_cast<unsigned>(trueColor) & 0xFFFFFF
+                                  : indexColour(index, foreground);
       }
     }
     found = layers.emplace(name.str(), look).first;
@@ -125,9 +165,7 @@ unsigned entityColour(const OdDbEntity& entity, const DxfObject& tags,
   if (trueColor != DxfObject::npos)
     return static_cast<unsigned>(tags.integer(trueColor)) & 0xFFFFFF;
   const short index = entity.colorIndex();
-  if (index == 256) return found->second.rgb;
-  if (index == 0 || index == 7) return foreground;
-  return HostQtDrawingPainter::aciToRgb(index);
+  return index == 256 ? found->second.rgb : indexColour(index, foreground);
 }
 }  // namespace
 
@@ -139,18 +177,23 @@ HostQtDrawingPainter::HostQtDrawingPainter(OdDbDatabase& db) {
   double maxX = std::numeric_limits<double>::lowest(), maxY = maxX;
   std::map<std::wstring, LayerLook> layers;
 
-  auto polyline = [&](const std::vector<Vertex>& vertices, bool closed, bool mirror, unsigned rgb) {
+  auto segment = [&](const Plane& plane, double x1, double y1, double x2, double y2, unsigned rgb) {
+    const QPointF a = plane.map(x1, y1), b = plane.map(x2, y2);
+    add(a.x(), a.y(), b.x(), b.y(), rgb);
+  };
+  // Vertices in the plane's coordinates; a bulge turns the edge after its vertex into an arc.
+  auto polyline = [&](const Plane& plane, const std::vector<Vertex>& vertices, bool closed,
+                      unsigned rgb) {
     const std::size_t n = vertices.size();
     const std::size_t edges = closed ? n : (n ? n - 1 : 0);
     for (std::size_t i = 0; i < edges; ++i) {
       const Vertex& a = vertices[i];
       const Vertex& b = vertices[(i + 1) % n];
-      const double sign = mirror ? -1.0 : 1.0;
       if (a.bulge == 0 || !std::isfinite(a.bulge)) {
-        add(sign * a.x, a.y, sign * b.x, b.y, rgb);
+        segment(plane, a.x, a.y, b.x, b.y, rgb);
         continue;
       }
-      // The arc through a and b whose angle is 4 atan(bulge), to the left for a positive one.
+      // The arc through a and b whose angle is 4 atan(bulge), counter-clockwise when positive.
       const double angle = 4.0 * std::atan(a.bulge);
       const double dx = b.x - a.x, dy = b.y - a.y;
       const double chord = std::hypot(dx, dy);
@@ -167,24 +210,24 @@ HostQtDrawingPainter::HostQtDrawingPainter(OdDbDatabase& db) {
         const double t = start + angle * s / steps;
         const double qx = s == steps ? b.x : cx + r * std::cos(t);
         const double qy = s == steps ? b.y : cy + r * std::sin(t);
-        add(sign * px, py, sign * qx, qy, rgb);
+        segment(plane, px, py, qx, qy, rgb);
         px = qx;
         py = qy;
       }
     }
   };
-  auto arc = [&](double cx, double cy, double r, double from, double to, bool mirror,
+  // Counter-clockwise from `from` to `to` (radians) in the plane.
+  auto arc = [&](const Plane& plane, double cx, double cy, double r, double from, double to,
                  unsigned rgb) {
     if (!(r > 0)) return;
-    double sweep = to - from;
-    while (sweep <= 0) sweep += 2 * kPi;
+    double sweep = std::fmod(to - from, 2 * kPi);
+    if (sweep <= 0) sweep += 2 * kPi;
     const int steps = std::max(4, static_cast<int>(std::ceil(sweep / kChordAngle)));
-    const double sign = mirror ? -1.0 : 1.0;
     double px = cx + r * std::cos(from), py = cy + r * std::sin(from);
     for (int s = 1; s <= steps; ++s) {
       const double t = from + sweep * s / steps;
       const double qx = cx + r * std::cos(t), qy = cy + r * std::sin(t);
-      add(sign * px, py, sign * qx, qy, rgb);
+      segment(plane, px, py, qx, qy, rgb);
       px = qx;
       py = qy;
     }
@@ -211,11 +254,11 @@ HostQtDrawingPainter::HostQtDrawingPainter(OdDbDatabase& db) {
       } else if (type == "CIRCLE") {
         double v[3];
         if (readReals(tags, {10, 20, 40}, v))
-          arc(v[0], v[1], v[2], 0, 2 * kPi, mirrored(tags), rgb);
+          arc(Plane::of(tags, 30), v[0], v[1], v[2], 0, 2 * kPi, rgb);
       } else if (type == "ARC") {
         double v[5];
         if (readReals(tags, {10, 20, 40, 50, 51}, v))
-          arc(v[0], v[1], v[2], v[3] * kPi / 180, v[4] * kPi / 180, mirrored(tags), rgb);
+          arc(Plane::of(tags, 30), v[0], v[1], v[2], v[3] * kPi / 180, v[4] * kPi / 180, rgb);
       } else if (type == "LWPOLYLINE") {
         std::vector<Vertex> vertices;
         for (std::size_t i = 0; i < tags.size(); ++i) {
@@ -227,7 +270,7 @@ HostQtDrawingPainter::HostQtDrawingPainter(OdDbDatabase& db) {
           else if (code == 42 && !vertices.empty())
             vertices.back().bulge = tags.real(i);
         }
-        polyline(vertices, (integerOr(tags, 70, 0) & 1) != 0, mirrored(tags), rgb);
+        polyline(Plane::of(tags, 38), vertices, (integerOr(tags, 70, 0) & 1) != 0, rgb);
       } else if (type == "POLYLINE") {
         const long long flags = integerOr(tags, 70, 0);
         if (flags & (16 | 64)) continue;  // meshes: their vertices are no outline
@@ -241,8 +284,9 @@ HostQtDrawingPainter::HostQtDrawingPainter(OdDbDatabase& db) {
           double v[2];
           if (readReals(vt, {10, 20}, v)) vertices.push_back({v[0], v[1], realOr(vt, 42, 0)});
         }
-        const bool threeD = (flags & 8) != 0;
-        polyline(vertices, (flags & 1) != 0, !threeD && mirrored(tags), rgb);
+        // A 3D polyline's vertices are the drawing's own points; a 2D one's lie in its plane.
+        const Plane plane = (flags & 8) ? Plane() : Plane::of(tags, 30);
+        polyline(plane, vertices, (flags & 1) != 0, rgb);
       }
     } catch (const std::exception&) {
       // An entity the kernel cannot read is left out of the picture.
@@ -328,8 +372,11 @@ bool HostQtDrawingPainter::writePdf(const QString& path, QString& error) const {
     OdAtomicFile file(std::filesystem::path(QFile::encodeName(path).toStdString()));
     file.write(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
     file.commit();
+  } catch (const OdError& e) {
+    error = QString::fromUtf8(e.what());  // names the file and the system's reason
+    return false;
   } catch (const std::exception& e) {
-    error = QStringLiteral("cannot plot to %1: %2").arg(path, QString::fromUtf8(e.what()));
+    error = QStringLiteral("cannot write %1: %2").arg(path, QString::fromUtf8(e.what()));
     return false;
   }
   return true;

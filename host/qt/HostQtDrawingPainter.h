@@ -12,8 +12,8 @@ class QPainter;
 // CIRCLE and ARC as short segments, POINT as a dot, each in its colour (entity true colour, else
 // its index, else its layer's; ACI). Entities on layers that are off or frozen, and invisible
 // ones, are left out; INSERTs are not followed; polygon and polyface meshes are left out.
-// Geometry is read from the entities' tags, in the plane of the drawing (elevations dropped;
-// an object whose extrusion points down is mirrored as it would be seen from above).
+// Geometry is read from the entities' tags and seen from above: a planar object (circle, arc,
+// 2D polyline) is placed by its extrusion direction and elevation, then z is dropped.
 //
 // Built once from the database (read only; a malformed entity is skipped, never thrown
 // about); paint() may then be called any number of times.

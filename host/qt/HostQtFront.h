@@ -44,12 +44,22 @@ class HostQtFront : public QObject, public HostFrontend {
   bool scriptRunning() const { return scriptRunning_; }
 
   // HostFrontend
+  // A QMessageBox with the box's buttons in their usual order, its default button focused.
+  // Escape and the close box answer kHostCancel where the box has Cancel; a yes/no box has no
+  // Cancel and answers kHostNo, an OK box kHostOk (the answer is always one the box can give).
+  // Text and caption are plain text; Windows line ends show as plain line breaks.
   int showMessageBox(const HostMessageBox& box) override;
+  // A HostQtTaskDialog; kHostCancel when dismissed.
   int showTaskDialog(const HostTaskDialog& dialog) override;
   void writeCommandLine(const OdString& text) override;
+  // Opens the page with the desktop's handler for its URL; false when there is none.
   bool showHelpPage(const OdString& page) override;
+  // Waits on the command-line widget (HostQtCommandLine::waitForLine); false at once while a
+  // script runs or when there is no widget.
   bool readCommandInput(OdString& line) override;
+  // Null until setStatusBar gave a bar.
   HostStatusBar* statusBar() override;
+  // HostQtDrawingPainter::writePdf of the drawing's model space.
   bool plotToPdf(OdDbDatabase& db, const OdString& path, OdString& error) override;
 
  signals:

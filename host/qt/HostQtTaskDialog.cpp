@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QStyle>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "HostQtText.h"
 
@@ -57,6 +58,7 @@ HostQtTaskDialog::HostQtTaskDialog(const HostTaskDialog& dialog, QWidget* parent
   instruction->setFont(big);
   texts->addWidget(instruction);
   if (!dialog.content.isEmpty()) texts->addWidget(textLabel(plainLines(dialog.content), this));
+  texts->addStretch(1);
   top->addLayout(texts, 1);
 
   auto* layout = new QVBoxLayout(this);
@@ -87,7 +89,18 @@ HostQtTaskDialog::HostQtTaskDialog(const HostTaskDialog& dialog, QWidget* parent
     row->addWidget(button);
     buttons_.emplace_back(button, id);
   }
+  layout->addSpacing(layout->spacing() * 2);
   layout->addLayout(row);
+  // Wide enough that an instruction of a line or two reads as a heading, not a column.
+  setMinimumWidth(fontMetrics().averageCharWidth() * 64);
+  // As tall as the wrapped texts need at that width; the layout's own guess wraps them for a
+  // narrower one and leaves a gap.
+  const int width = std::max(minimumWidth(), sizeHint().width());
+  if (layout->hasHeightForWidth()) {
+    layout->setSizeConstraint(QLayout::SetNoConstraint);
+    setMinimumHeight(layout->totalHeightForWidth(width));
+    resize(width, minimumHeight());
+  }
 }
 
 HostQtTaskDialog::~HostQtTaskDialog() = default;
