@@ -14,7 +14,8 @@ namespace fs = std::filesystem;
 namespace {
 OdString canonicalText(const OdString& path) {
   std::error_code ec;
-  fs::path canonical = fs::weakly_canonical(HostPaths::toPath(path), ec);
+  // Absolute first: a file name alone that does not exist yet stays relative otherwise.
+  fs::path canonical = fs::weakly_canonical(fs::absolute(HostPaths::toPath(path), ec), ec);
   return ec ? path : OdString::fromUtf8(canonical.string());
 }
 }  // namespace

@@ -6,6 +6,7 @@
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
@@ -17,9 +18,9 @@
 #include "DocumentPage.h"
 #include "HostApplication.h"
 #include "HostCloseQuestion.h"
-#include "HostDocumentSave.h"
 #include "HostConfigTree.h"
 #include "HostDocument.h"
+#include "HostDocumentSave.h"
 #include "HostQtCommandLine.h"
 #include "HostQtFront.h"
 
@@ -76,6 +77,8 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
   commandDock_->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable |
                             QDockWidget::DockWidgetClosable);
   addDockWidget(Qt::BottomDockWidgetArea, commandDock_);
+  // A few lines of history, as a drafter expects: the drawing gets the room.
+  resizeDocks({commandDock_}, {150}, Qt::Vertical);
 
   front_.setMainWindow(this);
   front_.setCommandLine(commandLine_);
@@ -86,6 +89,8 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
   app_.documents().addReactor(this);
   app_.addInputContextReactor(this);
   restoreLayout();
+  // As in any CAD program, typing goes to the command line.
+  commandLine_->input()->setFocus();
   updateTitles();
   updateActions();
 }
@@ -115,9 +120,9 @@ void DesktopWindow::send(const QString& text) {
 
 void DesktopWindow::sendWithPath(const QString& command, const QString& path) {
   if (path.contains('"')) {
-    app_.messageBox(od(tr("The path %1 holds a double quote, which the command line cannot take.")
-                           .arg(path)),
-                    od(command), HostButtons::kOk, HostIcon::kWarning);
+    app_.messageBox(
+        od(tr("The path %1 holds a double quote, which the command line cannot take.").arg(path)),
+        od(command), HostButtons::kOk, HostIcon::kWarning);
     return;
   }
   send(command + " \"" + QDir::toNativeSeparators(path) + "\"");
@@ -144,12 +149,12 @@ void DesktopWindow::buildMenus() {
   file->addAction(tr("E&xit"), QKeySequence::Quit, this, &QWidget::close);
 
   QMenu* standards = menuBar()->addMenu(tr("&Standards"));
-  moduleActions_ << CommandAction{standards->addAction(tr("&Configure Standards..."), this,
-                                                       [this] { send("STANDARDS"); }),
-                                  L"STANDARDS"};
-  moduleActions_ << CommandAction{standards->addAction(tr("C&heck Standards..."), this,
-                                                       [this] { send("CHECKSTANDARDS"); }),
-                                  L"CHECKSTANDARDS"};
+  moduleActions_ << CommandAction{
+      standards->addAction(tr("&Configure Standards..."), this, [this] { send("STANDARDS"); }),
+      L"STANDARDS"};
+  moduleActions_ << CommandAction{
+      standards->addAction(tr("C&heck Standards..."), this, [this] { send("CHECKSTANDARDS"); }),
+      L"CHECKSTANDARDS"};
   moduleActions_ << CommandAction{standards->addAction(tr("Standards &Settings..."), this,
                                                        [this] { send("STANDARDSSETTINGS"); }),
                                   L"STANDARDSSETTINGS"};
@@ -216,8 +221,7 @@ void DesktopWindow::saveAs() {
   dialog.selectFile(qt(doc->title()));
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return;
   const QString filter = dialog.selectedNameFilter();
-  sendWithPath(filter == binary ? "SAVEAS BINARY" : "SAVEAS ASCII",
-               dialog.selectedFiles().first());
+  sendWithPath(filter == binary ? "SAVEAS BINARY" : "SAVEAS ASCII", dialog.selectedFiles().first());
 }
 
 void DesktopWindow::importDrawing() {
@@ -326,10 +330,9 @@ bool DesktopWindow::askToSaveAll() {
       continue;
     }
     // A new drawing's name comes from a file dialog here, not from the command line.
-    const int answer = front_.showMessageBox(HostMessageBox{L"Save changes to " + doc->title() +
-                                                                L"?",
-                                                            L"Close", HostButtons::kYesNoCancel,
-                                                            HostIcon::kQuestion, kHostYes});
+    const int answer = front_.showMessageBox(
+        HostMessageBox{L"Save changes to " + doc->title() + L"?", L"Close",
+                       HostButtons::kYesNoCancel, HostIcon::kQuestion, kHostYes});
     if (answer == kHostCancel) return false;
     if (answer == kHostNo) continue;
     const QString path = QFileDialog::getSaveFileName(this, tr("Save Drawing As"), startFolder(),
@@ -367,9 +370,17 @@ void DesktopWindow::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void DesktopWindow::dropEvent(QDropEvent* event) {
-  for (const QUrl& url : event->mimeData()->urls())
-    if (url.isLocalFile()) sendWithPath("OPEN", url.toLocalFile());
-  event->acceptProposedAction();
+  if (openDropped(*event->mimeData())) event->acceptProposedAction();
+}
+
+bool DesktopWindow::openDropped(const QMimeData& dropped) {
+  bool any = false;
+  for (const QUrl& url : dropped.urls())
+    if (url.isLocalFile()) {
+      sendWithPath("OPEN", url.toLocalFile());
+      any = true;
+    }
+  return any;
 }
 
 void DesktopWindow::restoreLayout() {
@@ -377,7 +388,8 @@ void DesktopWindow::restoreLayout() {
   resize(1200, 800);
   auto geometry = tree.getValue({kLayoutKey}, kGeometry);
   if (geometry && geometry->varType() == OdVariant::kString)
-    restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(geometry->getString().toUtf8())));
+    restoreGeometry(
+        QByteArray::fromBase64(QByteArray::fromStdString(geometry->getString().toUtf8())));
   auto state = tree.getValue({kLayoutKey}, kState);
   if (state && state->varType() == OdVariant::kString)
     restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state->getString().toUtf8())));

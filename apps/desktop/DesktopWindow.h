@@ -16,6 +16,7 @@ class QAction;
 class QDockWidget;
 class QLabel;
 class QMenu;
+class QMimeData;
 class QTabWidget;
 
 // The main window of the desktop host: one tab per open document (the current tab is the
@@ -53,6 +54,10 @@ class DesktopWindow : public QMainWindow,
   // Sends a command whose last word is a path, quoted for the command line; a path that
   // cannot be quoted (it holds a double quote) is refused with a message.
   void sendWithPath(const QString& command, const QString& path);
+
+  // Opens the local files among dropped data (what a drop on the window does); false when it
+  // holds none.
+  bool openDropped(const QMimeData& dropped);
 
   // Asks about each changed drawing whether to save it; false when the person cancels (or a
   // save fails), true when every drawing may go.

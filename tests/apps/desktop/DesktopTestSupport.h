@@ -51,6 +51,8 @@ struct Desktop {
     input->setFocus();
     QTest::keyClicks(input, line);
     QTest::keyClick(input, Qt::Key_Return);
+    // The line is sent from the event loop, once the key press is over.
+    QCoreApplication::processEvents();
   }
   std::string transcript() const { return window->commandLine()->transcript().toStdString(); }
 

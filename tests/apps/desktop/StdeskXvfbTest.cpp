@@ -17,8 +17,8 @@ bool haveProgram(const char* name) {
 
 // A shell command run inside a fresh X server of its own, with the configuration in `dir`.
 testsupport::ProcessResult inXServer(const fs::path& dir, const std::string& command) {
-  const std::string env = "env -u QT_QPA_PLATFORM STAUDIT_CONFIG=" +
-                          shellQuote((dir / "config.json").string()) + " ";
+  const std::string env =
+      "env -u QT_QPA_PLATFORM STAUDIT_CONFIG=" + shellQuote((dir / "config.json").string()) + " ";
   return testsupport::runCommand("cd " + shellQuote(dir.string()) + " && timeout 180 " + env +
                                  "xvfb-run -a -s '-screen 0 1280x900x24' sh -c " +
                                  shellQuote(command));
@@ -52,8 +52,8 @@ class StdeskXvfbTest : public QObject {
     auto run = inXServer(dir.path(), stdesk + " floor-plan.dxf --script run.scr");
     QVERIFY2(run.exitCode == 0, run.output.c_str());
     QVERIFY2(run.output.find("Command: SAVEAS") != std::string::npos, run.output.c_str());
-    QVERIFY2(run.output.find("QUIT discarded the changes to " + (dir.path() / "saved.dxf").string()) !=
-                 std::string::npos,
+    QVERIFY2(run.output.find("QUIT discarded the changes to " +
+                             (dir.path() / "saved.dxf").string()) != std::string::npos,
              run.output.c_str());
 
     auto layer = testsupport::ezdxf("print(ezdxf.readfile(path).layers.get('Kitchen').dxf.color)",
@@ -73,12 +73,13 @@ class StdeskXvfbTest : public QObject {
     testsupport::TempDir dir;
     QVERIFY(testsupport::makeExamples(dir.path()).exitCode == 0);
     const std::string session =
-        stdesk + " floor-plan.dxf > out.txt 2>&1 & pid=$!\n"
+        stdesk +
+        " floor-plan.dxf > out.txt 2>&1 & pid=$!\n"
         "w=$(xdotool search --sync --onlyvisible --name '^floor-plan.dxf - stdesk$' | head -1)\n"
         "xdotool windowfocus --sync $w\n"
-        "xdotool type --delay 20 '-LAYER NEW Typed'; xdotool key Return\n"
-        "xdotool type --delay 20 'SAVE'; xdotool key Return\n"
-        "xdotool type --delay 20 'QUIT'; xdotool key Return\n"
+        "for line in '-LAYER NEW Typed' SAVE QUIT; do\n"
+        "  printf '%s' \"$line\" | xdotool type --delay 20 --file -; xdotool key Return\n"
+        "done\n"
         "wait $pid; status=$?; cat out.txt; exit $status\n";
     auto run = inXServer(dir.path(), session);
     QVERIFY2(run.exitCode == 0, run.output.c_str());
