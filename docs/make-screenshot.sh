@@ -8,12 +8,11 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cp examples/floor-plan.dxf examples/*.dws "$work"/
 cat >"$work/shot.scr" <<SCRIPT
--LAYER NEW Furniture
--LAYER COLOR 2 Furniture
 ZOOM E
-SCREENSHOT $PWD/docs/stdesk.png
+SCREENSHOT stdesk.png
 QUIT
 SCRIPT
 cd "$work"
 env -u QT_QPA_PLATFORM STAUDIT_CONFIG="$work/config.json" \
   xvfb-run -a -s '-screen 0 1280x900x24' "$OLDPWD/build/bin/stdesk" floor-plan.dxf --script shot.scr
+cp stdesk.png "$OLDPWD/docs/stdesk.png"

@@ -83,6 +83,12 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
   front_.setMainWindow(this);
   front_.setCommandLine(commandLine_);
   front_.setStatusBar(statusBar());
+  // Each page shows its drawing's extents; zooming to them draws the page afresh.
+  front_.setZoomExtentsHandler([this](HostDocument* doc) {
+    DocumentPage* page = pageOf(doc);
+    if (page) page->markStale();
+    return page != nullptr;
+  });
   statusBar()->showMessage(tr("Ready"));
 
   buildMenus();
@@ -98,6 +104,7 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
 DesktopWindow::~DesktopWindow() {
   app_.documents().removeReactor(this);
   app_.removeInputContextReactor(this);
+  front_.setZoomExtentsHandler(nullptr);
   front_.setCommandLine(nullptr);
   front_.setMainWindow(nullptr);
   if (g_window == this) g_window = nullptr;

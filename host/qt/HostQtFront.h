@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPointer>
 #include <cstdio>
+#include <functional>
 #include <memory>
 
 #include "HostFrontend.h"
@@ -42,6 +43,11 @@ class HostQtFront : public QObject, public HostFrontend {
   // and message boxes are still shown.
   void setScriptRunning(bool running) { scriptRunning_ = running; }
   bool scriptRunning() const { return scriptRunning_; }
+  // What zoomExtents does: the drawing view's answer (the desktop window sets it). Unset, the
+  // front has no view and zoomExtents answers false.
+  void setZoomExtentsHandler(std::function<bool(HostDocument*)> handler) {
+    zoomExtents_ = std::move(handler);
+  }
 
   // HostFrontend
   // A QMessageBox with the box's buttons in their usual order, its default button focused.
@@ -61,6 +67,7 @@ class HostQtFront : public QObject, public HostFrontend {
   HostStatusBar* statusBar() override;
   // HostQtDrawingPainter::writePdf of the drawing's model space.
   bool plotToPdf(OdDbDatabase& db, const OdString& path, OdString& error) override;
+  bool zoomExtents(HostDocument* doc) override { return zoomExtents_ && zoomExtents_(doc); }
 
  signals:
   // Text written to the command line, as it comes.
@@ -72,4 +79,5 @@ class HostQtFront : public QObject, public HostFrontend {
   std::unique_ptr<HostQtStatusBar> statusBar_;
   std::FILE* echo_ = nullptr;
   bool scriptRunning_ = false;
+  std::function<bool(HostDocument*)> zoomExtents_;
 };

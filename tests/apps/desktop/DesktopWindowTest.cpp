@@ -174,9 +174,28 @@ class DesktopWindowTest : public QObject {
     manager->removeReactor(&listener);
     QVERIFY2(listener.count >= 1, d.transcript().c_str());
 
-    // Items of a module that is not loaded are disabled.
+    // Items of a module that is not loaded are disabled: the settings dialog's command comes
+    // with the module's user interface, which is not built here.
     QVERIFY(menuAction(*d.window, "Standards", "Check Standards...")->isEnabled());
     QVERIFY(menuAction(*d.window, "Standards", "Configure Standards...")->isEnabled());
+    QVERIFY(!menuAction(*d.window, "Standards", "Standards Settings...")->isEnabled());
+
+    // A module the configuration names that does not load is named with the loader's reason,
+    // and the host runs on.
+    HostConfigTree& tree = d.app->configTree();
+    tree.createKey({"Applications"}, "NoSuchModule");
+    tree.setValue({"Applications", "NoSuchModule"}, "LoadOnStartup", OdVariant(true));
+    tree.createKey({"Applications"}, "../evil");
+    tree.setValue({"Applications", "../evil"}, "LoadOnStartup", OdVariant(true));
+    QCOMPARE(StartupModules::loadAll(*d.app).size(), std::size_t(2));
+    QVERIFY2(d.transcript().find("module NoSuchModule was not loaded: found no") !=
+                 std::string::npos,
+             d.transcript().c_str());
+    QVERIFY2(d.transcript().find("module ../evil was not loaded: not on the module search path") !=
+                 std::string::npos,
+             d.transcript().c_str());
+    d.type("-LAYER NEW StillWorking");
+    QVERIFY(hasLayer(d, L"StillWorking"));
   }
 
   // SAVE runs the silent standards check first when the settings ask for it.
