@@ -138,6 +138,13 @@ class DesktopWindowTest : public QObject {
     QVERIFY(!d.window->close());
     QCOMPARE(d.app->documents().documentCount(), 1);
 
+    // QUIT typed by a person asks as the close box does.
+    clickWhenShows("Close", "Cancel");
+    d.type("QUIT");
+    QTest::qWait(100);
+    QVERIFY(d.window->isVisible());
+    QCOMPARE(d.app->documents().documentCount(), 1);
+
     clickWhenShows("Close", "Cancel");
     emit d.window->tabs()->tabCloseRequested(0);
     QCOMPARE(d.app->documents().documentCount(), 1);
@@ -188,9 +195,9 @@ class DesktopWindowTest : public QObject {
     tree.createKey({"Applications"}, "../evil");
     tree.setValue({"Applications", "../evil"}, "LoadOnStartup", OdVariant(true));
     QCOMPARE(StartupModules::loadAll(*d.app).size(), std::size_t(2));
-    QVERIFY2(d.transcript().find("module NoSuchModule was not loaded: found no") !=
-                 std::string::npos,
-             d.transcript().c_str());
+    QVERIFY2(
+        d.transcript().find("module NoSuchModule was not loaded: found no") != std::string::npos,
+        d.transcript().c_str());
     QVERIFY2(d.transcript().find("module ../evil was not loaded: not on the module search path") !=
                  std::string::npos,
              d.transcript().c_str());
