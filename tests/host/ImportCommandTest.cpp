@@ -7,6 +7,7 @@
 #include <fstream>
 #include <string>
 
+#include "DrawingBuilders.h"
 #include "HostTestSupport.h"
 #include "OdDbBlockReference.h"
 #include "OdDbBlockTable.h"
@@ -17,14 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 using hosttest::count;
 using hosttest::QuietHost;
-
-std::vector<OdDbObjectId> entitiesOf(const OdDbObjectId& block) {
-  std::vector<OdDbObjectId> ids;
-  OdDbBlockTableRecordPtr record = block.safeOpenObject();
-  for (OdDbObjectIteratorPtr it = record->newIterator(); !it->done(); it->step())
-    ids.push_back(it->objectId());
-  return ids;
-}
 
 TEST(HostImport, AScriptInsertsADrawingAsABlockAndABadFileChangesNothing) {
   QuietHost q;
@@ -60,10 +53,10 @@ TEST(HostImport, AScriptInsertsADrawingAsABlockAndABadFileChangesNothing) {
   const OdDbObjectId block = blocks->getAt(L"floor-plan");
   ASSERT_FALSE(block.isNull());
   OdDbDatabasePtr source = OdDbDatabase::readFile(plan);
-  const std::size_t copied = entitiesOf(block).size();
-  EXPECT_EQ(copied, entitiesOf(source->getModelSpaceId()).size());
+  const std::size_t copied = testsupport::entitiesOf(block).size();
+  EXPECT_EQ(copied, testsupport::entitiesOf(source->getModelSpaceId()).size());
   EXPECT_NE(out.find("(" + std::to_string(copied) + " entities)"), std::string::npos) << out;
-  const std::vector<OdDbObjectId> model = entitiesOf(db->getModelSpaceId());
+  const std::vector<OdDbObjectId> model = testsupport::entitiesOf(db->getModelSpaceId());
   ASSERT_EQ(model.size(), 3u);
   EXPECT_EQ(OdDbBlockReferencePtr(model[0].safeOpenObject())->blockTableRecord(), block);
 

@@ -17,6 +17,15 @@
 namespace testsupport {
 
 // Saves `db` as `file` and reads the file back.
+// The entities of a block record (model space, say), in its order; erased ones left out.
+inline std::vector<OdDbObjectId> entitiesOf(const OdDbObjectId& block) {
+  std::vector<OdDbObjectId> ids;
+  OdDbBlockTableRecordPtr record = block.safeOpenObject();
+  for (OdDbObjectIteratorPtr it = record->newIterator(); !it->done(); it->step())
+    ids.push_back(it->objectId());
+  return ids;
+}
+
 inline OdDbDatabasePtr saveAndReload(OdDbDatabase& db, const std::filesystem::path& file) {
   db.writeFile(file);
   return OdDbDatabase::readFile(file);

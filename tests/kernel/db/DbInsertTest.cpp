@@ -6,6 +6,7 @@
 #include <set>
 
 #include "DbTestSupport.h"
+#include "DrawingBuilders.h"
 #include "OdDbBlockReference.h"
 #include "OdDbBlockTable.h"
 #include "OdDbBlockTableRecord.h"
@@ -26,14 +27,6 @@ struct AppendCounter : OdDbDatabaseReactor {
     handles.insert(obj->getDbHandle().value());
   }
 };
-
-std::vector<OdDbObjectId> entitiesOf(const OdDbObjectId& block) {
-  std::vector<OdDbObjectId> ids;
-  OdDbBlockTableRecordPtr record = block.safeOpenObject();
-  for (OdDbObjectIteratorPtr it = record->newIterator(); !it->done(); it->step())
-    ids.push_back(it->objectId());
-  return ids;
-}
 
 OdDbObjectId blockNamed(OdDbDatabase& db, const OdString& name) {
   OdDbBlockTablePtr blocks = db.getBlockTableId().safeOpenObject();
@@ -69,13 +62,13 @@ TEST(DbInsert, RealDrawingsGoInAsABlockWithTheirRecords) {
     OdDbDatabasePtr source = OdDbDatabase::readFile(dbtest::corpusFile(c.source));
     OdDbDatabasePtr target = c.target ? OdDbDatabase::readFile(dbtest::corpusFile(c.target))
                                       : OdDbDatabase::createEmpty();
-    const std::size_t sourceCount = entitiesOf(source->getModelSpaceId()).size();
-    const std::size_t modelCount = entitiesOf(target->getModelSpaceId()).size();
+    const std::size_t sourceCount = testsupport::entitiesOf(source->getModelSpaceId()).size();
+    const std::size_t modelCount = testsupport::entitiesOf(target->getModelSpaceId()).size();
     const std::string sourceBytes = source->writeBuffer();
 
     // A layer of the source that the target has too, with another colour: the target's stays.
     OdString shared;
-    for (const OdDbObjectId& id : entitiesOf(source->getModelSpaceId()))
+    for (const OdDbObjectId& id : testsupport::entitiesOf(source->getModelSpaceId()))
       if (OdDbEntityPtr e = id.safeOpenObject(); e->layer() != OdString(L"0")) shared = e->layer();
     OdDbObjectId kept;
     if (!shared.isEmpty()) {
@@ -99,16 +92,16 @@ TEST(DbInsert, RealDrawingsGoInAsABlockWithTheirRecords) {
     EXPECT_EQ(result.blockName, OdString(target->formatRelease() < 1012 ? L"PLAN" : L"plan"));
     EXPECT_EQ(blockNamed(*target, result.blockName), result.block);
     EXPECT_EQ(result.entities, sourceCount);
-    EXPECT_EQ(entitiesOf(result.block).size(), sourceCount);
+    EXPECT_EQ(testsupport::entitiesOf(result.block).size(), sourceCount);
     EXPECT_GT(sourceCount, 0u);
-    EXPECT_EQ(entitiesOf(target->getModelSpaceId()).size(), modelCount + 1);
+    EXPECT_EQ(testsupport::entitiesOf(target->getModelSpaceId()).size(), modelCount + 1);
     OdDbBlockReferencePtr insert = result.reference.safeOpenObject();
     EXPECT_EQ(insert->blockTableRecord(), result.block);
     EXPECT_EQ(insert->layer(), OdString(target->getHeaderVariable(L"$CLAYER")->getString()));
     if (!kept.isNull()) {
       EXPECT_EQ(OdDbLayerTableRecordPtr(kept.safeOpenObject())->colorIndex(), keptColour);
     }
-    for (const OdDbObjectId& id : entitiesOf(result.block)) {
+    for (const OdDbObjectId& id : testsupport::entitiesOf(result.block)) {
       OdDbEntityPtr e = id.safeOpenObject();
       EXPECT_FALSE(e->layerId().isNull()) << "layer " << e->layer().toUtf8() << " came along";
       EXPECT_GE(e->getDbHandle().value(), seed);
@@ -128,9 +121,9 @@ TEST(DbInsert, RealDrawingsGoInAsABlockWithTheirRecords) {
     EXPECT_EQ(std::set<std::uint64_t>(handles.begin(), handles.end()).size(), handles.size())
         << "handles are unique";
     OdDbDatabasePtr reloaded = OdDbDatabase::readBuffer(bytes, saved.string());
-    EXPECT_EQ(entitiesOf(blockNamed(*reloaded, result.blockName)).size(), sourceCount);
-    EXPECT_EQ(entitiesOf(blockNamed(*reloaded, second)).size(), sourceCount);
-    EXPECT_EQ(entitiesOf(reloaded->getModelSpaceId()).size(), modelCount + 2);
+    EXPECT_EQ(testsupport::entitiesOf(blockNamed(*reloaded, result.blockName)).size(), sourceCount);
+    EXPECT_EQ(testsupport::entitiesOf(blockNamed(*reloaded, second)).size(), sourceCount);
+    EXPECT_EQ(testsupport::entitiesOf(reloaded->getModelSpaceId()).size(), modelCount + 2);
 
     auto oracle =
         dbtest::ezdxf("names = ('" + result.blockName.toUtf8() + "', '" + second.toUtf8() + "')\n" +
