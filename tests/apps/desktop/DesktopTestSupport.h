@@ -6,11 +6,8 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QLineEdit>
 #include <QTest>
-#include <QTimer>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -19,6 +16,7 @@
 #include "HostApplication.h"
 #include "HostQtCommandLine.h"
 #include "HostQtFront.h"
+#include "QtHostSupport.h"
 #include "QuitCommand.h"
 #include "StartupModules.h"
 #include "TestSupport.h"
@@ -27,15 +25,12 @@ namespace desktoptest {
 
 // One desktop host; only one lives at a time (one host application per process).
 struct Desktop {
-  explicit Desktop(const std::filesystem::path& config, bool loadModules = true) {
-    ::setenv("STAUDIT_CONFIG", config.c_str(), 1);
-    app = std::make_unique<HostApplication>(front);
+  explicit Desktop(const std::filesystem::path& config) {
+    app = std::make_unique<HostApplication>(front, HostApplication::Options{config, false});
     QuitCommand::registerIn(app->commands());
     window = std::make_unique<DesktopWindow>(*app, front);
-    if (loadModules) {
-      StartupModules::registerBundled(*app);
-      StartupModules::loadAll(*app);
-    }
+    StartupModules::registerBundled(*app);
+    StartupModules::loadAll(*app);
     window->show();
   }
   ~Desktop() {
@@ -68,32 +63,10 @@ inline QAbstractButton* buttonOf(QWidget* window, const QString& text) {
   return nullptr;
 }
 
-// Once the next modal window titled `title` shows, clicks its button `button` (or, with an
-// empty `button`, calls `act` with the window). Gives up after five seconds.
-template <class Act>
-void whenModalShows(const QString& title, Act act) {
-  auto* timer = new QTimer(qApp);
-  auto* clock = new QElapsedTimer();
-  clock->start();
-  QObject::connect(timer, &QTimer::timeout, [=] {
-    QWidget* modal = QApplication::activeModalWidget();
-    if (modal && modal->windowTitle() == title) {
-      timer->stop();
-      timer->deleteLater();
-      delete clock;
-      act(modal);
-    } else if (clock->elapsed() > 5000) {
-      timer->stop();
-      timer->deleteLater();
-      delete clock;
-    }
-  });
-  timer->start(20);
-}
-
+// Once a window titled `title` shows, clicks its button `button`.
 inline void clickWhenShows(const QString& title, const QString& button) {
-  whenModalShows(title, [button](QWidget* modal) {
-    if (QAbstractButton* b = buttonOf(modal, button)) b->click();
+  qthosttest::whenShown(title, [button](QWidget* window) {
+    if (QAbstractButton* b = buttonOf(window, button)) b->click();
   });
 }
 
