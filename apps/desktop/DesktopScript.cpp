@@ -1,6 +1,7 @@
 #include "DesktopScript.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTimer>
 
 #include "HostApplication.h"
@@ -10,6 +11,16 @@ DesktopScript::DesktopScript(HostApplication& app, HostQtFront& front, QObject* 
     : QObject(parent), app_(app), front_(front) {}
 
 bool DesktopScript::load(const QString& path, QString& error) {
+  // A device or a FIFO could block or never end; a script is a text file of modest size.
+  const QFileInfo info(path);
+  if (info.exists() && !info.isFile()) {
+    error = QString("cannot read script %1: it is not a regular file").arg(path);
+    return false;
+  }
+  if (info.size() > kMaxBytes) {
+    error = QString("cannot read script %1: larger than %2 MB").arg(path).arg(kMaxBytes >> 20);
+    return false;
+  }
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly)) {
     error = QString("cannot read script %1: %2").arg(path, file.errorString());

@@ -20,8 +20,10 @@ class DesktopScript : public QObject {
   // `app` and `front` are not owned and must outlive the script.
   DesktopScript(HostApplication& app, HostQtFront& front, QObject* parent = nullptr);
 
+  static constexpr qint64 kMaxBytes = 16 << 20;
+
   // Reads the script (UTF-8); false with `error` set ("cannot read script FILE: reason") when
-  // it cannot be read.
+  // it cannot be read, is not a regular file or is larger than kMaxBytes.
   bool load(const QString& path, QString& error);
   // Starts feeding lines from the event loop.
   void start();

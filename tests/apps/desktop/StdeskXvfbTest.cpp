@@ -1,5 +1,6 @@
-// The real stdesk in a real X server (Xvfb): once run by a script as a pipeline runs it, and
-// once driven by keystrokes as a person drives it, the window found by its title.
+// The real stdesk as a user runs it: refusing bad arguments, and in a real X server (Xvfb) once
+// run by a script as a pipeline runs it and once driven by keystrokes as a person drives it,
+// the window found by its title.
 
 #include <QObject>
 #include <QTest>
@@ -31,9 +32,25 @@ class StdeskXvfbTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void initTestCase() {
-    if (!haveProgram("xvfb-run") || !haveProgram("xdotool"))
+  void init() {
+    if (QTest::currentTestFunction() != QByteArray("refusesBadArguments") &&
+        (!haveProgram("xvfb-run") || !haveProgram("xdotool")))
       QSKIP("Xvfb or xdotool is not installed (./build.sh test installs them)");
+  }
+
+  // Wrong arguments and scripts that are not text files get one line and exit 2, before any
+  // window shows (the offscreen platform stands in for a screen).
+  void refusesBadArguments() {
+    const std::pair<std::string, std::string> cases[] = {
+        {"--bogus", "stdesk: Unknown option 'bogus'."},
+        {"--script /nonexistent/run.scr", "stdesk: cannot read script /nonexistent/run.scr: "},
+        {"--script /dev/zero", "stdesk: cannot read script /dev/zero: it is not a regular file"},
+    };
+    for (const auto& [args, message] : cases) {
+      auto run = testsupport::runCommand(stdesk + " " + args);
+      QCOMPARE(run.exitCode, 2);
+      QVERIFY2(run.output.find(message) != std::string::npos, run.output.c_str());
+    }
   }
 
   // A script makes a layer, saves under a new name, plots, takes a picture and quits; the
