@@ -3,6 +3,7 @@
 #include "HostApplication.h"
 #include "HostDocumentSave.h"
 #include "HostFrontend.h"
+#include "HostSilentCheck.h"
 
 bool hostConfirmClose(HostDocument* doc) {
   if (!doc || !doc->isOpen()) return false;
@@ -12,6 +13,9 @@ bool hostConfirmClose(HostDocument* doc) {
                      HostButtons::kYesNoCancel, HostIcon::kQuestion, kHostYes};
   switch (app.front().showMessageBox(box)) {
     case kHostYes:
+      // A save is a save: the standards check the settings ask for on SAVE runs here too (it
+      // looks at the current drawing, which a closing drawing is unless a caller chose another).
+      if (app.documents().curDocument() == doc) hostRunSilentCheck(kHostCheckSave);
       return hostSaveDocument(doc, OdString(), std::nullopt, L"CLOSE");
     case kHostNo:
       return true;

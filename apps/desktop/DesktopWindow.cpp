@@ -23,6 +23,7 @@
 #include "HostDocumentSave.h"
 #include "HostQtCommandLine.h"
 #include "HostQtFront.h"
+#include "HostSilentCheck.h"
 
 namespace {
 DesktopWindow* g_window = nullptr;
@@ -344,7 +345,9 @@ bool DesktopWindow::askToSaveAll() {
     if (answer == kHostNo) continue;
     const QString path = QFileDialog::getSaveFileName(this, tr("Save Drawing As"), startFolder(),
                                                       tr("DXF drawing (*.dxf)"));
-    if (path.isEmpty() || !hostSaveDocument(doc, od(path))) return false;
+    if (path.isEmpty()) return false;
+    hostRunSilentCheck(kHostCheckSave);
+    if (!hostSaveDocument(doc, od(path))) return false;
   }
   return true;
 }

@@ -215,6 +215,17 @@ class DesktopWindowTest : public QObject {
     const auto check = out.find("standards check:");
     QVERIFY2(check != std::string::npos, out.c_str());
     QVERIFY2(out.find("Command: SAVE") < check, out.c_str());
+
+    // So does the save that closing a changed drawing offers.
+    d.type("-LAYER NEW Kitchen");
+    clickWhenShows("Close", "Yes");
+    d.type("CLOSE");
+    const std::string closed = d.transcript();
+    QVERIFY2(closed.find("standards check:", closed.find("Command: CLOSE")) != std::string::npos,
+             closed.c_str());
+    QCOMPARE(d.app->documents().documentCount(), 0);
+    QVERIFY(testsupport::ezdxf("print(ezdxf.readfile(path).layers.has_entry('Kitchen'))", plan)
+                .output == "True\n");
   }
 
   // Recent files and the window's layout are kept in the configuration file; a dropped
