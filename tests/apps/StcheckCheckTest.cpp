@@ -11,11 +11,10 @@
 #include <iterator>
 
 #include "OdDbDatabase.h"
-#include "OdDbDimStyleTable.h"
 #include "OdDbDimStyleTableRecord.h"
 #include "OdDbLayerTable.h"
 #include "OdDbLayerTableRecord.h"
-#include "OdDbTextStyleTable.h"
+#include "OdDbSymbolTable.h"
 #include "OdDbTextStyleTableRecord.h"
 #include "OdResBuf.h"
 #include "TestSupport.h"
@@ -40,6 +39,27 @@ int copyWithForeignRecord(const fs::path& from, const fs::path& to, const std::s
   return static_cast<int>(std::count(bytes.begin(), bytes.begin() + at, '\n')) + 1;
 }
 
+// Writes an otherwise empty drawing that holds layers of the given names.
+void writeWithLayers(const fs::path& to, const std::vector<OdString>& names) {
+  OdDbDatabasePtr db = OdDbDatabase::createEmpty();
+  OdDbLayerTablePtr layers = db->getLayerTableId().safeOpenObject(OdDb::kForWrite);
+  for (const OdString& name : names) {
+    OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
+    layer->setName(name);
+    layers->add(layer.get());
+  }
+  layers.release();
+  db->writeFile(to);
+}
+
+// Opens the record `name` of the symbol table `table` for write (throws when there is none).
+template <class Record>
+OdSmartPtr<Record> openRecord(const OdDbObjectId& table, const OdString& name) {
+  OdDbSymbolTablePtr records = table.safeOpenObject();
+  OdSmartPtr<Record> record = records->getAt(name).safeOpenObject(OdDb::kForWrite);
+  return record;
+}
+
 // A project folder with the example drawings and a configuration of its own.
 class Project {
  public:
@@ -50,14 +70,14 @@ class Project {
   const fs::path& dir() const { return temp_.path(); }
   fs::path file(const std::string& name) const { return dir() / name; }
 
-  // Runs stcheck from the project folder (stopped after `timeoutSeconds` when given).
-  ProcessResult stcheck(const std::vector<std::string>& args, int timeoutSeconds = 0) const {
-    return testsupport::runStcheckIn(dir(), dir() / "config.json", args, timeoutSeconds);
-  }
-  // The same with `tmp` as the temporary folder.
-  ProcessResult stcheck(const fs::path& tmp, const std::vector<std::string>& args) const {
-    std::string line = "cd " + shellQuote(dir().string()) +
-                       " && TMPDIR=" + shellQuote(tmp.string()) + " STAUDIT_CONFIG=config.json " +
+  // Runs stcheck from the project folder, naming the configuration as a user does (relative
+  // to that folder); stopped after `timeoutSeconds` when given, with `tmp` as the temporary
+  // folder when given.
+  ProcessResult stcheck(const std::vector<std::string>& args, int timeoutSeconds = 0,
+                        const fs::path& tmp = {}) const {
+    std::string line = "cd " + shellQuote(dir().string()) + " && STAUDIT_CONFIG=config.json " +
+                       (tmp.empty() ? "" : "TMPDIR=" + shellQuote(tmp.string()) + " ") +
+                       (timeoutSeconds ? "timeout " + std::to_string(timeoutSeconds) + " " : "") +
                        shellQuote(std::string(STAUDIT_BIN_DIR) + "/stcheck");
     for (const auto& a : args) line += " " + shellQuote(a);
     return runCommand(line);
@@ -101,11 +121,16 @@ const char* kSummarise =
     " p['ignoredBy'] or '-', rec[0] if rec else '-']))\n"
     "  print('\\n'.join(sorted(rows)))\n";
 
-TEST(StcheckCheck, ExampleReportsEveryKindOfProblemWithItsRecommendedFix) {
+// The example plan in every format, each read by its own kind of reader: every kind of problem
+// is reported with its recommended fix, and the counts agree across the formats.
+TEST(StcheckCheck, ExampleReportsEveryKindOfProblemInEveryFormat) {
   Project project;
-  auto run = project.stcheck({"check", "floor-plan.dxf", "--format", "json", "-o", "r.json"});
-  EXPECT_EQ(run.exitCode, 1) << run.output;
-  auto summary = Project::python(kSummarise, {project.file("r.json").string()});
+  for (const char* format : {"json", "junit", "sarif", "html"}) {
+    auto run = project.stcheck(
+        {"check", "floor-plan.dxf", "--format", format, "-o", std::string("report.") + format});
+    EXPECT_EQ(run.exitCode, 1) << format << ": " << run.output;
+  }
+  auto summary = Project::python(kSummarise, {project.file("report.json").string()});
   ASSERT_EQ(summary.exitCode, 0) << summary.output;
   EXPECT_EQ(summary.output,
             "drawing floor-plan.dxf 10 9 False\n"
@@ -118,10 +143,27 @@ TEST(StcheckCheck, ExampleReportsEveryKindOfProblemWithItsRecommendedFix) {
             "Linetype HIDDEN - - HIDDEN@office-standards.dws\n"
             "Textstyle Notes-Arial - - -\n"
             "Textstyle Office-Notes - - Office-Notes@office-standards.dws\n");
+  project.expectValidReport("report.json");
+  auto readers = Project::python(
+      "import json,sys,xml.etree.ElementTree as E\n"
+      "r=E.parse(sys.argv[1]).getroot();print(r.get('tests'),r.get('failures'))\n"
+      "r=json.load(open(sys.argv[2]))['runs'][0]\n"
+      "print(len(r['tool']['driver']['rules']),len(r['results']))\n",
+      {project.file("report.junit").string(), project.file("report.sarif").string()});
+  EXPECT_EQ(readers.output, "9 9\n4 9\n") << "junit tests/failures, sarif rules/results";
+  if (fs::exists("/usr/bin/chromium")) {
+    auto dom = runCommand(
+        "/usr/bin/chromium --headless --no-sandbox --disable-gpu --no-first-run "
+        "--disable-background-networking --disable-component-update --disable-sync "
+        "--user-data-dir=" +
+        shellQuote(project.file("profile").string()) + " --dump-dom " +
+        shellQuote("file://" + project.file("report.html").string()) + " 2>/dev/null");
+    EXPECT_NE(dom.output.find("data-remaining=\"9\""), std::string::npos);
+  }
 
   // The ignored sketch layer appears only when asked for, with who ignored it, and does not
   // make the check fail.
-  run = project.stcheck(
+  auto run = project.stcheck(
       {"check", "floor-plan.dxf", "--show-ignored", "--format", "json", "-o", "i.json"});
   EXPECT_EQ(run.exitCode, 1) << run.output;
   summary = Project::python(kSummarise, {project.file("i.json").string()});
@@ -142,18 +184,11 @@ TEST(StcheckCheck, FixWritesTheDrawingKeepsTheOriginalAndASecondCheckPasses) {
   fs::path plan = project.file("plan.dxf");
   {
     OdDbDatabasePtr db = OdDbDatabase::readFile(project.file("office-standards.dws"));
-    OdDbLayerTablePtr layers = db->getLayerTableId().safeOpenObject();
-    OdDbLayerTableRecordPtr wall = layers->getAt(L"A-WALL").safeOpenObject(OdDb::kForWrite);
-    wall->setColorIndex(1);
-    OdDbLayerTableRecordPtr grid = layers->getAt(L"S-GRID").safeOpenObject(OdDb::kForWrite);
-    grid->setLineWeight(OdDb::kLnWt050);
-    OdDbTextStyleTablePtr styles = db->getTextStyleTableId().safeOpenObject();
-    OdDbTextStyleTableRecordPtr notes =
-        styles->getAt(L"Office-Notes").safeOpenObject(OdDb::kForWrite);
-    notes->setXScale(1.25);
-    grid.release();
-    wall.release();
-    notes.release();
+    openRecord<OdDbLayerTableRecord>(db->getLayerTableId(), L"A-WALL")->setColorIndex(1);
+    openRecord<OdDbLayerTableRecord>(db->getLayerTableId(), L"S-GRID")
+        ->setLineWeight(OdDb::kLnWt050);
+    openRecord<OdDbTextStyleTableRecord>(db->getTextStyleTableId(), L"Office-Notes")
+        ->setXScale(1.25);
     db->writeFile(plan);
   }
   const std::string original = readBytes(plan);
@@ -210,19 +245,17 @@ TEST(StcheckCheck, AFixThatCannotReplaceARecordIsReportedUnfixedWithTheReason) {
     std::ofstream(plan, std::ios::binary) << text;
   }
   const std::string original = readBytes(plan);
-  for (const char* format : {"text", "json", "html", "junit", "sarif"}) {
-    auto run = project.stcheck(
-        {"check", "kept.dxf", "--standard", "office-standards.dws", "--fix", "--format", format});
+  for (const std::string format : {"text", "json", "html", "junit", "sarif"}) {
+    auto run = project.stcheck({"check", "kept.dxf", "--standard", "office-standards.dws", "--fix",
+                                "--format", format, "-o", "kept." + format});
     EXPECT_EQ(run.exitCode, 1) << run.output;
-    EXPECT_NE(
-        run.output.find("It cannot be replaced automatically: the XRECORD FFF0 belongs to it."),
-        std::string::npos)
-        << format << ": " << run.output;
+    EXPECT_NE(readBytes(project.file("kept." + format))
+                  .find("It cannot be replaced automatically: the XRECORD FFF0 belongs to it."),
+              std::string::npos)
+        << format;
   }
   EXPECT_EQ(readBytes(plan), original);
   EXPECT_FALSE(fs::exists(project.file("kept.bak")));
-  auto run = project.stcheck({"check", "kept.dxf", "--standard", "office-standards.dws", "--fix",
-                              "--format", "json", "-o", "kept.json"});
   EXPECT_EQ(Project::python(kSummarise, {project.file("kept.json").string()}).output,
             "drawing kept.dxf 1 1 False\n"
             "Layer a_wall - - -\n");
@@ -232,26 +265,10 @@ TEST(StcheckCheck, AFixThatCannotReplaceARecordIsReportedUnfixedWithTheReason) {
 // names, the recommended one first, and count the rest.
 TEST(StcheckCheck, ACrowdedStandardListsTheClosestFixesAndCountsTheRest) {
   Project project;
-  {
-    OdDbDatabasePtr standard = OdDbDatabase::createEmpty();
-    OdDbLayerTablePtr layers = standard->getLayerTableId().safeOpenObject(OdDb::kForWrite);
-    std::vector<OdString> names{L"Wall-Hatch-Old", L"Mall_Hatch", L"Wall-Patch", L"WALL-HATCH"};
-    for (int i = 1; i <= 26; ++i) names.push_back(OdString::format(L"Z-Filler-%02d", i));
-    for (const OdString& name : names) {
-      OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
-      layer->setName(name);
-      layers->add(layer.get());
-    }
-    layers.release();
-    standard->writeFile(project.file("crowded.dws"));
-    OdDbDatabasePtr plan = OdDbDatabase::createEmpty();
-    OdDbLayerTablePtr planLayers = plan->getLayerTableId().safeOpenObject(OdDb::kForWrite);
-    OdDbLayerTableRecordPtr layer = OdDbLayerTableRecord::createObject();
-    layer->setName(L"Wall_Hatch");
-    planLayers->add(layer.get());
-    planLayers.release();
-    plan->writeFile(project.file("crowded.dxf"));
-  }
+  std::vector<OdString> names{L"Wall-Hatch-Old", L"Mall_Hatch", L"Wall-Patch", L"WALL-HATCH"};
+  for (int i = 1; i <= 26; ++i) names.push_back(OdString::format(L"Z-Filler-%02d", i));
+  writeWithLayers(project.file("crowded.dws"), names);
+  writeWithLayers(project.file("crowded.dxf"), {L"Wall_Hatch"});
   auto run = project.stcheck(
       {"check", "crowded.dxf", "--standard", "crowded.dws", "--format", "json", "-o", "c.json"});
   EXPECT_EQ(run.exitCode, 1) << run.output;
@@ -272,36 +289,6 @@ TEST(StcheckCheck, ACrowdedStandardListsTheClosestFixesAndCountsTheRest) {
       << run.output;
   EXPECT_NE(run.output.find("... and 26 more (see --format json)\n"), std::string::npos)
       << run.output;
-}
-
-TEST(StcheckCheck, EveryFormatIsReadableByItsOwnKindOfReader) {
-  Project project;
-  for (const char* format : {"json", "junit", "sarif", "html"}) {
-    auto run = project.stcheck(
-        {"check", "floor-plan.dxf", "--format", format, "-o", std::string("report.") + format});
-    EXPECT_EQ(run.exitCode, 1) << format << ": " << run.output;
-  }
-  project.expectValidReport("report.json");
-  auto junit = Project::python(
-      "import sys,xml.etree.ElementTree as E\n"
-      "r=E.parse(sys.argv[1]).getroot();print(r.get('tests'),r.get('failures'))\n",
-      {project.file("report.junit").string()});
-  EXPECT_EQ(junit.output, "9 9\n") << junit.output;
-  auto sarif = Project::python(
-      "import json,sys\n"
-      "r=json.load(open(sys.argv[1]))['runs'][0]\n"
-      "print(len(r['tool']['driver']['rules']),len(r['results']))\n",
-      {project.file("report.sarif").string()});
-  EXPECT_EQ(sarif.output, "4 9\n") << sarif.output;
-  if (fs::exists("/usr/bin/chromium")) {
-    auto dom = runCommand(
-        "/usr/bin/chromium --headless --no-sandbox --disable-gpu --no-first-run "
-        "--disable-background-networking --disable-component-update --disable-sync "
-        "--user-data-dir=" +
-        shellQuote(project.file("profile").string()) + " --dump-dom " +
-        shellQuote("file://" + project.file("report.html").string()) + " 2>/dev/null");
-    EXPECT_NE(dom.output.find("data-remaining=\"9\""), std::string::npos);
-  }
 }
 
 TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsPlace) {
@@ -330,13 +317,12 @@ TEST(StcheckCheck, AFolderWithCorruptDrawingsIsCheckedWholeAndEachFaultNamesItsP
       project.stcheck({"check", "plans", "--jobs", "2", "--format", "json", "-o", "two.json"});
   EXPECT_EQ(two.exitCode, 2) << two.output;
   auto summary = Project::python(kSummarise, {project.file("one.json").string()});
-  EXPECT_NE(summary.output.find("drawing a.dxf 10 9 False"), std::string::npos) << summary.output;
-  EXPECT_NE(summary.output.find("drawing broken.dxf 0 0 True"), std::string::npos);
-  EXPECT_NE(summary.output.find("drawing empty.dxf 0 0 True"), std::string::npos);
-  EXPECT_NE(summary.output.find("drawing b.DXF 10 9 False"), std::string::npos);
-  EXPECT_NE(summary.output.find("drawing foreign.dxf 0 0 True"), std::string::npos);
-  EXPECT_EQ(summary.output.find("notes.txt"), std::string::npos);
-  EXPECT_EQ(summary.output.find("pipe.dxf"), std::string::npos);
+  for (const char* drawing : {"a.dxf 10 9 False", "b.DXF 10 9 False", "broken.dxf 0 0 True",
+                              "empty.dxf 0 0 True", "foreign.dxf 0 0 True"})
+    EXPECT_NE(summary.output.find(std::string("drawing ") + drawing), std::string::npos)
+        << summary.output;
+  for (const char* passedBy : {"notes.txt", "pipe.dxf"})
+    EXPECT_EQ(summary.output.find(passedBy), std::string::npos) << summary.output;
   EXPECT_EQ(readBytes(project.file("one.json")), readBytes(project.file("two.json")));
 
   // A record in a table of another type is refused with its place, by check and by info.
@@ -403,15 +389,13 @@ TEST(StcheckCheck, CorpusFixesChangeWhatTheStandardAsksAndKeepTheRest) {
   };
   {
     OdDbDatabasePtr standard = OdDbDatabase::readFile(corpus / "r14_ezdxf_small.dxf");
-    OdDbTextStyleTablePtr styles = standard->getTextStyleTableId().safeOpenObject();
-    OdDbTextStyleTableRecordPtr text = styles->getAt(L"STANDARD").safeOpenObject(OdDb::kForWrite);
+    OdDbTextStyleTableRecordPtr text =
+        openRecord<OdDbTextStyleTableRecord>(standard->getTextStyleTableId(), L"STANDARD");
     text->setName(L"Standard");
     text->setXScale(0.85);
     text.release();
-    OdDbDimStyleTablePtr dims = standard->getDimStyleTableId().safeOpenObject();
-    OdDbDimStyleTableRecordPtr iso = dims->getAt(L"ISO-25").safeOpenObject(OdDb::kForWrite);
-    iso->setName(L"ISO_25");
-    iso.release();
+    openRecord<OdDbDimStyleTableRecord>(standard->getDimStyleTableId(), L"ISO-25")
+        ->setName(L"ISO_25");
     standard->writeFile(dir.path() / "r14.dws");
     OdDbDatabasePtr drawing = OdDbDatabase::readFile(corpus / "r14_ezdxf_small.dxf");
     drawing->setHeaderVariable(L"$LUPREC", OdResBuf::newRb(70, 0).get());
@@ -470,37 +454,78 @@ TEST(StcheckCheck, CorpusFixesChangeWhatTheStandardAsksAndKeepTheRest) {
       << oracle.output;
 }
 
-TEST(StcheckCommands, StandardsPluginsAndSettingsChangeWhatTheNextCheckSees) {
+// What the commands change is what the next check sees. Listing never creates the
+// configuration; a command line with one bad word changes nothing; the last word on a plug-in
+// wins; no command makes a temporary configuration folder, and a corrupt configuration is
+// named by the user's own path.
+TEST(StcheckCommands, ConfigurationChangesAllOrNothingAndTheNextCheckSeesThem) {
   Project project;
+  testsupport::TempDir tmp;
+  const fs::path config = project.file("config.json");
+  const std::string known =
+      "(known: autoFixProperties, showIgnoredProblems, preferredFile, autoFixCommands)";
+  for (const auto& args : std::vector<std::vector<std::string>>{{"settings"}, {"plugins"}}) {
+    auto listed = project.stcheck(args, 0, tmp.path());
+    EXPECT_EQ(listed.exitCode, 0) << listed.output;
+    EXPECT_FALSE(fs::exists(config)) << args[0] << " created the configuration";
+  }
+  auto bad = project.stcheck({"settings", "autoFixProperties=TRUE", "bogus=1"}, 0, tmp.path());
+  EXPECT_EQ(bad.exitCode, 2);
+  EXPECT_EQ(bad.output, "stcheck: settings: unknown setting bogus " + known + "\n");
+  EXPECT_FALSE(fs::exists(config));
+
   auto list = project.stcheck({"standards", "floor-plan.dxf"});
   EXPECT_EQ(list.exitCode, 0);
   EXPECT_EQ(list.output, "office-standards.dws\nsite-standards.dws\n");
   auto removed = project.stcheck({"standards", "floor-plan.dxf", "--remove", "site-standards.dws"});
   EXPECT_EQ(removed.output, "office-standards.dws\n");
-  auto bad = project.stcheck({"standards", "floor-plan.dxf", "--remove", "nowhere.dws"});
+  bad = project.stcheck({"standards", "floor-plan.dxf", "--remove", "nowhere.dws"});
   EXPECT_EQ(bad.exitCode, 2);
   // Without the site standard, its layer C-TOPO is no longer standard.
   auto run = project.stcheck({"check", "floor-plan.dxf"});
   EXPECT_NE(run.output.find("C-TOPO"), std::string::npos) << run.output;
+  run = project.stcheck({"check", "floor-plan.dxf", "--standard", "nowhere.dws"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_NE(run.output.find("nowhere.dws not found"), std::string::npos);
+
+  auto set = project.stcheck({"settings", "autoFixProperties=TRUE", "showIgnoredProblems=On",
+                              "autoFixCommands=save,plot"});
+  EXPECT_EQ(set.exitCode, 0) << set.output;
+  EXPECT_NE(set.output.find("autoFixProperties=true\nshowIgnoredProblems=true\n"),
+            std::string::npos)
+      << set.output;
+  EXPECT_NE(set.output.find("autoFixCommands=save,plot\n"), std::string::npos) << set.output;
+  const std::string saved = readBytes(config);
+  bad = project.stcheck({"settings", "autoFixProperties=No", "autoFixCommands=save,bogus"});
+  EXPECT_EQ(bad.exitCode, 2);
+  EXPECT_EQ(std::count(bad.output.begin(), bad.output.end(), '\n'), 1) << bad.output;
+  EXPECT_EQ(readBytes(config), saved) << "a refused command line changes nothing";
+  EXPECT_NE(project.stcheck({"settings", "autoFixProperties=No"})
+                .output.find("autoFixProperties=false\n"),
+            std::string::npos);
 
   // A class name in any case switches the registered plug-in, for this run and the next.
-  auto plugins = project.stcheck({"plugins", "--disable", "stdwslayerplugin"});
-  EXPECT_EQ(plugins.exitCode, 0) << plugins.output;
-  EXPECT_NE(plugins.output.find("StDWSLayerPlugin         off"), std::string::npos)
-      << plugins.output;
-  EXPECT_EQ(project.stcheck({"plugins"}).output, plugins.output);
-  EXPECT_EQ(readBytes(project.file("config.json")).find("stdwslayerplugin"), std::string::npos);
-  run = project.stcheck({"check", "floor-plan.dxf"});
-  EXPECT_EQ(run.output.find("Layers"), std::string::npos) << run.output;
-  EXPECT_NE(run.output.find("Linetypes"), std::string::npos) << run.output;
-
-  auto settings = project.stcheck({"settings", "autoFixCommands=save,plot"});
-  EXPECT_EQ(settings.exitCode, 0);
-  EXPECT_NE(settings.output.find("autoFixCommands=save,plot\n"), std::string::npos);
-
-  auto missing = project.stcheck({"check", "floor-plan.dxf", "--standard", "nowhere.dws"});
-  EXPECT_EQ(missing.exitCode, 2);
-  EXPECT_NE(missing.output.find("nowhere.dws not found"), std::string::npos);
+  const std::vector<std::pair<std::vector<std::string>, std::string>> switches = {
+      {{"--enable", "StDWSLayerPlugin", "--disable", "stdwslayerplugin"}, "off"},
+      {{"--disable", "StDWSLayerPlugin", "--enable", "stdwslayerplugin"}, "in use"},
+  };
+  for (const auto& [words, state] : switches) {
+    std::vector<std::string> args{"plugins"};
+    args.insert(args.end(), words.begin(), words.end());
+    auto plugins = project.stcheck(args);
+    EXPECT_EQ(plugins.exitCode, 0) << plugins.output;
+    EXPECT_NE(plugins.output.find("StDWSLayerPlugin         " + state), std::string::npos)
+        << plugins.output;
+    EXPECT_EQ(project.stcheck({"plugins"}).output, plugins.output);
+    EXPECT_EQ(readBytes(config).find("stdwslayerplugin"), std::string::npos);
+    run = project.stcheck({"check", "floor-plan.dxf"});
+    EXPECT_EQ(run.output.find("Layers") == std::string::npos, state == "off") << run.output;
+    EXPECT_NE(run.output.find("Linetypes"), std::string::npos) << run.output;
+  }
+  const std::string plugins = readBytes(config);
+  bad = project.stcheck({"plugins", "--disable", "StDWSLayerPlugin", "--enable", "NoSuch"});
+  EXPECT_EQ(bad.exitCode, 2);
+  EXPECT_EQ(readBytes(config), plugins);
 
   // A configuration that came with the project names a library by its path: that code is
   // not run, and the user is told so once, with the folders libraries load from.
@@ -514,7 +539,7 @@ TEST(StcheckCommands, StandardsPluginsAndSettingsChangeWhatTheNextCheckSees) {
       "'PluginClassName':{'string':'PathPlugin'},'PluginInUse':{'int32':1}}}},"
       "'values':{'PluginDll':{'string':sys.argv[2]}}}\n"
       "json.dump(c,open(sys.argv[1],'w'))\n",
-      {project.file("config.json").string(), elsewhere});
+      {config.string(), elsewhere});
   ASSERT_EQ(added.exitCode, 0) << added.output;
   run = project.stcheck({"check", "floor-plan.dxf"});
   EXPECT_EQ(run.exitCode, 1) << run.output;
@@ -524,56 +549,6 @@ TEST(StcheckCommands, StandardsPluginsAndSettingsChangeWhatTheNextCheckSees) {
   EXPECT_EQ(run.output.find(refused), run.output.rfind(refused)) << run.output;
   EXPECT_NE(run.output.find(refused), std::string::npos) << run.output;
   EXPECT_NE(run.output.find("Linetypes"), std::string::npos) << "the standard plug-ins still load";
-}
-
-// Listing never creates the configuration; a command line with one bad word changes nothing;
-// the last word on a plug-in wins; no command makes a temporary configuration folder, and a
-// corrupt configuration is named by the user's own path.
-TEST(StcheckCommands, ConfigurationChangesAllOrNothingAndOnlyWhenAsked) {
-  Project project;
-  testsupport::TempDir tmp;
-  const fs::path config = project.file("config.json");
-  const std::string known =
-      "(known: autoFixProperties, showIgnoredProblems, preferredFile, autoFixCommands)";
-  for (const auto& args : std::vector<std::vector<std::string>>{{"settings"}, {"plugins"}}) {
-    auto listed = project.stcheck(tmp.path(), args);
-    EXPECT_EQ(listed.exitCode, 0) << listed.output;
-    EXPECT_FALSE(fs::exists(config)) << args[0] << " created the configuration";
-  }
-  auto bad = project.stcheck(tmp.path(), {"settings", "autoFixProperties=TRUE", "bogus=1"});
-  EXPECT_EQ(bad.exitCode, 2);
-  EXPECT_EQ(bad.output, "stcheck: settings: unknown setting bogus " + known + "\n");
-  EXPECT_FALSE(fs::exists(config));
-
-  auto set = project.stcheck({"settings", "autoFixProperties=TRUE", "showIgnoredProblems=On"});
-  EXPECT_EQ(set.exitCode, 0) << set.output;
-  EXPECT_NE(set.output.find("autoFixProperties=true\nshowIgnoredProblems=true\n"),
-            std::string::npos)
-      << set.output;
-  const std::string saved = readBytes(config);
-  bad = project.stcheck({"settings", "autoFixProperties=No", "autoFixCommands=save,bogus"});
-  EXPECT_EQ(bad.exitCode, 2);
-  EXPECT_EQ(std::count(bad.output.begin(), bad.output.end(), '\n'), 1) << bad.output;
-  EXPECT_EQ(readBytes(config), saved) << "a refused command line changes nothing";
-  EXPECT_NE(project.stcheck({"settings", "autoFixProperties=No"})
-                .output.find("autoFixProperties=false\n"),
-            std::string::npos);
-
-  const std::vector<std::pair<std::vector<std::string>, std::string>> switches = {
-      {{"--enable", "StDWSLayerPlugin", "--disable", "stdwslayerplugin"}, "off"},
-      {{"--disable", "StDWSLayerPlugin", "--enable", "stdwslayerplugin"}, "in use"},
-  };
-  for (const auto& [words, state] : switches) {
-    std::vector<std::string> args{"plugins"};
-    args.insert(args.end(), words.begin(), words.end());
-    auto run = project.stcheck(args);
-    EXPECT_NE(run.output.find("StDWSLayerPlugin         " + state), std::string::npos)
-        << run.output;
-  }
-  const std::string plugins = readBytes(config);
-  bad = project.stcheck({"plugins", "--disable", "StDWSLayerPlugin", "--enable", "NoSuch"});
-  EXPECT_EQ(bad.exitCode, 2);
-  EXPECT_EQ(readBytes(config), plugins);
 
   // Worker processes pass on what they warn of, once however many workers said it.
   fs::copy_file(project.file("floor-plan.dxf"), project.file("second.dxf"));
@@ -582,7 +557,7 @@ TEST(StcheckCommands, ConfigurationChangesAllOrNothingAndOnlyWhenAsked) {
            {"check", "--jobs", "2", "floor-plan.dxf", "second.dxf"},
            {"settings"}}) {
     if (args[0] == "check") std::ofstream(config, std::ios::trunc) << "{\"format\": 1,";
-    auto run = project.stcheck(tmp.path(), args);
+    run = project.stcheck(args, 0, tmp.path());
     if (args[0] == "check") {
       const std::string warning = "configuration file config.json is corrupt";
       const std::size_t first = run.output.find(warning);
