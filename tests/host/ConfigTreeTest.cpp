@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -22,6 +21,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using testsupport::readBytes;
 
 // Runs `body` in a child process and returns its exit code (-1 when it did not exit).
 template <class Body>
@@ -56,13 +56,6 @@ std::vector<std::string> filesIn(const fs::path& dir) {
   return out;
 }
 
-std::string readAll(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
 // A configuration whose keys nest `levels` deep below the root, with a value at the bottom.
 std::string nestedKeys(int levels) {
   std::string text = R"({"format": 1, "root": )";
@@ -75,16 +68,17 @@ std::string nestedKeys(int levels) {
 TEST(HostConfigTree, ValuesPersistAcrossHostRunsInTwoProcesses) {
   testsupport::TempDir dir;
   const fs::path file = dir.path() / "sub" / "config.json";
-
+  const std::vector<std::string> plugins{"StDWSLayerPlugin", "StDWSLinetypePlugin",
+                                         "StDWSTextstylePlugin", "StDWSDimstylePlugin"};
   int code = inChildProcess([&] {
     HeadlessHost host(HeadlessHost::Options{file, nullptr});
     HostConfigKeyPtr cmddata = host.app().configRoot()->openSubkey("cmddata", false);
     if (!cmddata) return 10;
     HostConfigKeyPtr mine = cmddata->openSubkey("StandardsAudit", true);
-    HostConfigKeyPtr plugins = mine->openSubkey("Plugins", true);
-    for (const char* name :
-         {"StDWSLayerPlugin", "StDWSLinetypePlugin", "StDWSTextstylePlugin", "StDWSDimstylePlugin"})
-      if (!plugins->openSubkey(name, true)->setValue("PluginInUse", OdVariant(std::int32_t(1))))
+    HostConfigKeyPtr keys = mine->openSubkey("Plugins", true);
+    for (const std::string& name : plugins)
+      if (!keys->openSubkey(name.c_str(), true)
+               ->setValue("PluginInUse", OdVariant(std::int32_t(1))))
         return 11;
     bool ok = mine->setValue("autoFixCommands", OdVariant(std::int32_t(18))) &&
               mine->setValue("preferredFile", OdVariant(OdString(L"C:\\std\\Büro.dws"))) &&
@@ -111,9 +105,7 @@ TEST(HostConfigTree, ValuesPersistAcrossHostRunsInTwoProcesses) {
   EXPECT_EQ(v.getDouble(), 0.25);
   EXPECT_FALSE(mine->getValue("showIgnoredProblems", v));
   // Creation order, not alphabetical order.
-  EXPECT_EQ(names(mine->openSubkey("Plugins", false)->subkeys()),
-            (std::vector<std::string>{"StDWSLayerPlugin", "StDWSLinetypePlugin",
-                                      "StDWSTextstylePlugin", "StDWSDimstylePlugin"}));
+  EXPECT_EQ(names(mine->openSubkey("Plugins", false)->subkeys()), plugins);
   EXPECT_EQ(names(mine->values()), (std::vector<std::string>{"autoFixCommands", "preferredFile",
                                                              "autoFixProperties", "scale"}));
 }
@@ -148,7 +140,7 @@ TEST(HostConfigTree, ABatchWritesTheFileOnceWhenItCloses) {
   const fs::path file = dir.path() / "config.json";
   auto tree = HostConfigTree::open(file);
   ASSERT_TRUE(tree->setValue({"cmddata"}, "kept", OdVariant(std::int32_t(1))));
-  const std::string before = readAll(file);
+  const std::string before = readBytes(file);
   {
     HostConfigTree::Batch outer(*tree);
     {
@@ -157,7 +149,7 @@ TEST(HostConfigTree, ABatchWritesTheFileOnceWhenItCloses) {
       EXPECT_TRUE(tree->setValue({"cmddata", "Lib"}, "a", OdVariant(std::int32_t(2))));
     }
     EXPECT_TRUE(tree->setValue({"cmddata", "Lib"}, "b", OdVariant(OdString(L"é"))));
-    EXPECT_EQ(readAll(file), before) << "nothing is written while a batch is open";
+    EXPECT_EQ(readBytes(file), before) << "nothing is written while a batch is open";
     EXPECT_EQ(tree->getValue({"cmddata", "Lib"}, "a")->getInt32(), 2) << "but it is read back";
   }
   auto reread = HostConfigTree::open(file);
@@ -206,7 +198,7 @@ TEST(HostConfigTree, CorruptFileIsSetAsideWithOneWarning) {
       auto files = filesIn(dir.path());
       ASSERT_EQ(files.size(), 1u);
       EXPECT_TRUE(files[0].starts_with("config.json.corrupt-")) << files[0];
-      EXPECT_TRUE(readAll(dir.path() / files[0]) == text) << "kept as it was, for the user";
+      EXPECT_TRUE(readBytes(dir.path() / files[0]) == text) << "kept as it was, for the user";
     }
   }
   // The deepest configuration allowed is read, and a repeated name as the plain parser reads it
@@ -235,13 +227,13 @@ TEST(HostConfigTree, ADetachedTreeReadsTheFileAndNeverWritesIt) {
 
   ASSERT_TRUE(
       HostConfigTree::open(file)->setValue({"cmddata"}, "kept", OdVariant(std::int32_t(7))));
-  const std::string before = readAll(file);
+  const std::string before = readBytes(file);
   auto detached = HostConfigTree::openDetached(file);
   EXPECT_EQ(detached->getValue({"cmddata"}, "kept")->getInt32(), 7);
   EXPECT_TRUE(change(*detached));
   EXPECT_EQ(detached->getValue({"cmddata"}, "kept")->getInt32(), 8) << "changed for this run";
   EXPECT_TRUE(detached->lastSaveError().empty());
-  EXPECT_EQ(readAll(file), before);
+  EXPECT_EQ(readBytes(file), before);
   EXPECT_EQ(filesIn(dir.path()), std::vector<std::string>{"config.json"});
 }
 
@@ -258,7 +250,7 @@ TEST(HostConfigTree, KeptFuzzerInputsAreReadOrRefusedCleanly) {
   for (const fs::path& input : inputs) {
     SCOPED_TRACE(input.filename().string());
     try {
-      EXPECT_EQ(ConfigReadCheck::check(readAll(input)), "");
+      EXPECT_EQ(ConfigReadCheck::check(readBytes(input)), "");
     } catch (const std::exception& e) {
       ADD_FAILURE() << "threw something other than FormatError: " << e.what();
     }
@@ -282,7 +274,7 @@ TEST(HostConfigTree, ReadersNeverSeeAHalfWrittenFile) {
   int reads = 0;
   int status = 0;
   while (waitpid(writer, &status, WNOHANG) == 0) {
-    std::string text = readAll(file);
+    std::string text = readBytes(file);
     ++reads;
     EXPECT_TRUE(nlohmann::json::accept(text))
         << "read " << reads << ": " << text.size() << " bytes";
@@ -300,7 +292,7 @@ TEST(HostConfigTree, FailedSaveKeepsTheOldFileAndWarns) {
   const fs::path file = dir.path() / "config.json";
   auto tree = HostConfigTree::open(file);
   ASSERT_TRUE(tree->setValue({"cmddata"}, "kept", OdVariant(std::int32_t(1))));
-  const std::string before = readAll(file);
+  const std::string before = readBytes(file);
 
   // A second tree whose file cannot be replaced: its path is taken by a folder.
   const fs::path blocked = dir.path() / "blocked.json";
@@ -314,7 +306,7 @@ TEST(HostConfigTree, FailedSaveKeepsTheOldFileAndWarns) {
   EXPECT_EQ(hosttest::count(warning, "cannot save configuration file"), 1u) << warning;
   EXPECT_EQ(other->getValue({"cmddata"}, "lost")->getInt32(), 2) << "kept for this run";
 
-  EXPECT_EQ(readAll(file), before);
+  EXPECT_EQ(readBytes(file), before);
   EXPECT_EQ(filesIn(dir.path()), (std::vector<std::string>{"blocked.json", "config.json"}));
   EXPECT_EQ(filesIn(blocked), std::vector<std::string>{"inside.json"});
 }
