@@ -47,9 +47,7 @@ TEST(DbObject, ALayersColourChangeIsTheOnlyChangeInTheSavedFile) {
     if (path.empty()) GTEST_SKIP() << "the shared corpus is absent";
     OdDbDatabasePtr db = OdDbDatabase::readFile(path);
     const std::string original = db->writeBuffer();
-    std::ifstream in(path, std::ios::binary);
-    ASSERT_EQ(original, std::string(std::istreambuf_iterator<char>(in), {}))
-        << "an untouched drawing saves byte for byte";
+    ASSERT_EQ(original, testsupport::readBytes(path)) << "an untouched drawing saves byte for byte";
 
     OdDbLayerTablePtr table = db->getLayerTableId().safeOpenObject();
     OdDbSymbolTableIteratorPtr it = table->newIterator();
@@ -205,10 +203,6 @@ TEST(DbObject, EntitiesMoveBetweenLayersAndStyles) {
   EXPECT_EQ(check.output.rfind("0 ", 0), 0u) << check.output;
 }
 
-}  // namespace
-
-namespace {
-
 TEST(DbObject, ANewTextInModelSpaceIsWrittenAsEzdxfReadsIt) {
   OdDbDatabasePtr db = OdDbDatabase::createEmpty();
   {
@@ -232,10 +226,6 @@ TEST(DbObject, ANewTextInModelSpaceIsWrittenAsEzdxfReadsIt) {
   EXPECT_NE(result.output.find("Cote 2,50 — Ébauche (10.0, -5.0, 0.0) 3.5 0"), std::string::npos)
       << result.output;
 }
-
-}  // namespace
-
-namespace {
 
 // Handles are indexed as runs of the file's order: a file listing them ascending is one
 // run, an unordered one many, merged; every object, and new ones, must be found by handle.
