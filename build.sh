@@ -73,6 +73,7 @@ case "${1:-}" in
     ctest --test-dir build -j "$(nproc)" --output-on-failure || status=1
     echo "== tests under AddressSanitizer and UndefinedBehaviorSanitizer"
     ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+      LSAN_OPTIONS="suppressions=$PWD/tests/sanitizer/lsan.supp" \
       ctest --test-dir build-asan -j "$(nproc)" --output-on-failure || status=1
     exit $status
     ;;

@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTimer>
+#include <filesystem>
+#include <system_error>
 
 #include "HostApplication.h"
 #include "HostQtFront.h"
@@ -13,7 +15,9 @@ DesktopScript::DesktopScript(HostApplication& app, HostQtFront& front, QObject* 
 bool DesktopScript::load(const QString& path, QString& error) {
   // A device or a FIFO could block or never end; a script is a text file of modest size.
   const QFileInfo info(path);
-  if (info.exists() && !info.isFile()) {
+  std::error_code ec;
+  const std::filesystem::path native(QFile::encodeName(path).toStdString());
+  if (std::filesystem::exists(native, ec) && !std::filesystem::is_regular_file(native, ec)) {
     error = QString("cannot read script %1: it is not a regular file").arg(path);
     return false;
   }

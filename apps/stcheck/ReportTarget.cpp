@@ -29,8 +29,11 @@ bool sameInode(const fs::path& a, const fs::path& b) {
          sa.st_ino == sb.st_ino;
 }
 
-// The file begins as a DXF drawing does, in either form.
+// The file begins as a DXF drawing does, in either form. Only a regular file is read: a pipe
+// or a terminal (`-o /dev/stdout`) would block or take the reader's input.
 bool looksLikeDrawing(const fs::path& path) {
+  std::error_code ec;
+  if (!fs::is_regular_file(path, ec)) return false;
   std::ifstream in(path, std::ios::binary);
   char head[64] = {};
   in.read(head, sizeof head);

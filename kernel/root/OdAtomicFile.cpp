@@ -57,6 +57,7 @@ OdAtomicFile::OdAtomicFile(std::filesystem::path target, Options options)
     : target_(std::move(target)), options_(std::move(options)) {
   if (std::string refusal = whyNotReplaceable(target_); !refusal.empty())
     throw OdError(eFileWriteError, "cannot write " + target_.string() + ": " + refusal);
+  if (openStream()) return;
   std::string pattern =
       (folderOf(target_) / ("." + shortened(target_.filename().string(), kNameBytes) + ".XXXXXX" +
                             std::string(kSuffix)))
@@ -74,6 +75,29 @@ OdAtomicFile::OdAtomicFile(std::filesystem::path target, Options options)
   temp_ = pattern;
   // Held for the writer's life: a sweep that can lock the file knows its writer is gone.
   ::flock(fd_, LOCK_EX | LOCK_NB);
+}
+
+bool OdAtomicFile::openStream() {
+  std::optional<OdFileStamp> at = OdFileStamp::ofTarget(target_);
+  if (!at || at->isRegularFile()) return false;
+  if (!S_ISCHR(at->mode) && !S_ISFIFO(at->mode))
+    throw OdError(eFileWriteError, "cannot write " + target_.string() + ": it is " +
+                                       OdFileStamp::kindOf(at->mode) + ", not a file");
+  fd_ = ::open(target_.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC);
+  if (fd_ < 0) {
+    const int error = errno;
+    fail(error, "");
+  }
+  // What was opened is what was examined: a stream, never a regular file put there since.
+  std::optional<OdFileStamp> opened = OdFileStamp::ofOpen(fd_);
+  if (!opened || (!S_ISCHR(opened->mode) && !S_ISFIFO(opened->mode))) {
+    ::close(fd_);
+    fd_ = -1;
+    throw OdError(eFileWriteError,
+                  "cannot write " + target_.string() + ": it changed while it was opened");
+  }
+  stream_ = true;
+  return true;
 }
 
 OdAtomicFile::~OdAtomicFile() {
@@ -108,6 +132,10 @@ void OdAtomicFile::write(std::string_view bytes) {
 
 void OdAtomicFile::prepare() {
   if (prepared_) return;
+  if (stream_) {
+    prepared_ = true;
+    return;
+  }
   if (::fsync(fd_) != 0) {
     const int error = errno;
     fail(error, "cannot flush " + temp_ + " to disk");
@@ -143,6 +171,17 @@ void OdAtomicFile::prepare() {
 
 void OdAtomicFile::commit() {
   prepare();
+  if (stream_) {
+    // A stream has no state to compare and nothing to rename: what was written is delivered.
+    if (options_.beforeRename) options_.beforeRename();
+    const int fd = fd_;
+    fd_ = -1;
+    if (::close(fd) != 0 && errno != EINTR) {
+      const int error = errno;
+      fail(error, "");
+    }
+    return;
+  }
   if (options_.expected) {
     std::optional<OdFileStamp> now = OdFileStamp::of(target_);
     if (!now || !now->sameState(*options_.expected))

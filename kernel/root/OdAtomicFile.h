@@ -24,6 +24,11 @@
 // Temporary names are "." + the target's name (shortened to fit any file-name limit) + "." +
 // six random characters + ".partial".
 //
+// A target that is a stream rather than a file (a character device such as /dev/null or a
+// terminal, a FIFO, or a link to one such as /dev/stdout) is written straight through, since
+// replacing it would put a regular file where the device or pipe was; commit then only
+// closes it. Other kinds of file (a folder, a socket, a block device) are refused.
+//
 // Every failure throws OdError(eFileWriteError) naming the target and the system's reason
 // ("No space left on device", "Permission denied", ...).
 class OdAtomicFile {
@@ -51,7 +56,10 @@ class OdAtomicFile {
   OdAtomicFile(const OdAtomicFile&) = delete;
   OdAtomicFile& operator=(const OdAtomicFile&) = delete;
 
-  // The open temporary file, for writers that write themselves; valid until commit.
+  // Whether the target is a stream written straight through (see above).
+  bool isStream() const { return stream_; }
+  // The open temporary file (or stream), for writers that write themselves; valid until
+  // commit.
   int descriptor() const { return fd_; }
   const std::filesystem::path& target() const { return target_; }
 
@@ -77,6 +85,9 @@ class OdAtomicFile {
  private:
   // Throws for a failed system call; `error` is its errno.
   [[noreturn]] void fail(int error, const std::string& what) const;
+  // Opens a target that is a device or a FIFO for writing straight through; false for a
+  // regular file or none. Throws for another kind of file.
+  bool openStream();
   void discard() noexcept;
 
   std::filesystem::path target_;
@@ -85,4 +96,5 @@ class OdAtomicFile {
   int fd_ = -1;
   int registration_ = -1;
   bool prepared_ = false;
+  bool stream_ = false;  // writing straight to a device or FIFO
 };

@@ -149,6 +149,12 @@ TEST_F(StcheckSafety, AReportNeverReplacesADrawingAStandardOrABackup) {
   EXPECT_EQ(run.exitCode, 1) << run.output;
   EXPECT_EQ(readBytes(file("victim.txt")), "keep");
   EXPECT_FALSE(fs::is_symlink(file("report.txt")));
+  // ...but a stream is written through and stays a stream: /dev/stdout (a link to the pipe
+  // the output goes to here) is neither read as a drawing nor replaced.
+  run = stcheck({"check", "plan.dxf", "--format", "json", "-o", "/dev/stdout"});
+  EXPECT_EQ(run.exitCode, 1) << run.output;
+  EXPECT_NE(run.output.find("\"schemaVersion\""), std::string::npos) << run.output;
+  EXPECT_TRUE(fs::is_symlink(fs::symlink_status("/dev/stdout")));
   // A report that cannot be written says where and why, in one line.
   run = stcheck({"check", "plan.dxf", "-o", "no/such/folder/r.txt"});
   EXPECT_EQ(run.exitCode, 2);

@@ -3,10 +3,13 @@
 // writer holds.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <utime.h>
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
+#include <thread>
 
 #include "OdAtomicFile.h"
 #include "OdError.h"
@@ -99,4 +102,40 @@ TEST(AtomicFile, TheSweepRemovesOnlyWhatNoLiveWriterHolds) {
   EXPECT_EQ(readBytes(dir.path() / "live.dxf"), "in progress");
 }
 
+// A device or a pipe at the target (`-o /dev/stdout`, a FIFO a script reads) is written
+// through, and stays what it was: replacing it would put a regular file where the pipe was.
+// Other kinds of file are refused.
+TEST(AtomicFile, StreamsAreWrittenThroughAndStayStreams) {
+  testsupport::TempDir dir;
+  const fs::path fifo = dir.path() / "report.pipe";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  fs::create_symlink(fifo, dir.path() / "link-to-pipe");
+  for (const fs::path& target : {fifo, dir.path() / "link-to-pipe"}) {
+    std::string received;
+    std::thread reader([&] {
+      std::ifstream in(fifo, std::ios::binary);
+      received.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    });
+    {
+      OdAtomicFile file(target);
+      EXPECT_TRUE(file.isStream());
+      file.write("through the pipe\n");
+      file.commit();
+    }
+    reader.join();
+    EXPECT_EQ(received, "through the pipe\n");
+    EXPECT_TRUE(fs::is_fifo(fs::symlink_status(fifo)));
+  }
+  EXPECT_TRUE(fs::is_symlink(fs::symlink_status(dir.path() / "link-to-pipe")));
+  EXPECT_EQ(namesIn(dir.path()), (std::vector<std::string>{"link-to-pipe", "report.pipe"}));
+
+  fs::create_directory(dir.path() / "folder");
+  try {
+    OdAtomicFile file(dir.path() / "folder");
+    ADD_FAILURE() << "a folder was taken as a target";
+  } catch (const OdError& e) {
+    EXPECT_NE(std::string(e.what()).find("it is a folder, not a file"), std::string::npos)
+        << e.what();
+  }
+}
 }  // namespace
