@@ -81,6 +81,12 @@ HostStatusBar* HostApplication::statusBar() {
   return front_.statusBar();
 }
 
+HostDocument* HostApplication::commandDocument(const wchar_t* command) {
+  HostDocument* doc = documents_.curDocument();
+  if (!doc) commandLine_.printf(L"%ls: no document is open\n", command);
+  return doc;
+}
+
 HostConfigKeyPtr HostApplication::configRoot() {
   return HostConfigKey::root(config_);
 }

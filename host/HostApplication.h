@@ -71,6 +71,9 @@ class HostApplication : public HostServices {
   // The status bar modules may place widgets in; null when the front has none (a host without
   // a screen). Not owned.
   HostStatusBar* statusBar();
+  // The current document for a command that works on one; null, after the line "COMMAND: no
+  // document is open" on the command line, when none is open.
+  HostDocument* commandDocument(const wchar_t* command);
   // The object GetApp() hands out (without a reference added).
   HostApp* appObject() noexcept { return appObject_.get(); }
 

@@ -15,13 +15,6 @@ HostApplication& app() {
   return HostApplication::running();
 }
 
-// The current document, or null after saying that none is open.
-HostDocument* currentDocument(const wchar_t* command) {
-  HostDocument* doc = app().documents().curDocument();
-  if (!doc) app().cmdPrintf(L"%ls: no document is open\n", command);
-  return doc;
-}
-
 bool isKeyword(const OdString& word, const wchar_t* keyword) {
   return word.iCompare(OdString(keyword)) == 0;
 }
@@ -33,7 +26,7 @@ OdString entities(int n) {
 class SelectCommand : public UICmdProcess {
  public:
   bool execute() override {
-    HostDocument* doc = currentDocument(L"SELECT");
+    HostDocument* doc = app().commandDocument(L"SELECT");
     if (!doc) return false;
     OdString word;
     if (!app().getString(L"Select [All/None]: ", word)) return false;
@@ -59,7 +52,7 @@ class SelectCommand : public UICmdProcess {
 class ChangeCommand : public UICmdProcess {
  public:
   bool execute() override {
-    HostDocument* doc = currentDocument(L"CHANGE");
+    HostDocument* doc = app().commandDocument(L"CHANGE");
     if (!doc) return false;
     OdString property;
     OdString name;
@@ -115,7 +108,7 @@ class NewCommand : public UICmdProcess {
 class ZoomCommand : public UICmdProcess {
  public:
   bool execute() override {
-    HostDocument* doc = currentDocument(L"ZOOM");
+    HostDocument* doc = app().commandDocument(L"ZOOM");
     if (!doc) return false;
     OdString word;
     if (!app().getString(L"Zoom [Extents]: ", word)) return false;

@@ -27,13 +27,6 @@ HostApplication& app() {
   return HostApplication::running();
 }
 
-// The current document, or null after saying that none is open.
-HostDocument* currentDocument(const wchar_t* command) {
-  HostDocument* doc = app().documents().curDocument();
-  if (!doc) app().cmdPrintf(L"%ls: no document is open\n", command);
-  return doc;
-}
-
 fs::path toPath(const OdString& text) {
   return fs::path(text.toUtf8());
 }
@@ -113,7 +106,7 @@ OdString copyWhole(const fs::path& source, const fs::path& target) {
 class SaveCommand : public UICmdProcess {
  public:
   bool execute() override {
-    HostDocument* doc = currentDocument(L"SAVE");
+    HostDocument* doc = app().commandDocument(L"SAVE");
     if (!doc) return false;
     // A new drawing is named first, as SAVEAS names it, before the check looks at it.
     OdString path;
@@ -126,7 +119,7 @@ class SaveCommand : public UICmdProcess {
 class SaveAsCommand : public UICmdProcess {
  public:
   bool execute() override {
-    HostDocument* doc = currentDocument(L"SAVEAS");
+    HostDocument* doc = app().commandDocument(L"SAVEAS");
     if (!doc) return false;
     OdString path;
     if (!app().getString(L"Save drawing as [Binary/ASCII] or file name: ", path)) return false;
@@ -143,13 +136,13 @@ class SaveAsCommand : public UICmdProcess {
 class TransmitCommand : public UICmdProcess {
  public:
   bool execute() override {
-    HostDocument* doc = currentDocument(L"TRANSMIT");
+    HostDocument* doc = app().commandDocument(L"TRANSMIT");
     if (!doc) return false;
     OdString folderText;
     if (!app().getString(L"Folder of the package: ", folderText)) return false;
     hostRunSilentCheck(kHostCheckTransmit);
     // The check may have closed the drawing (a dialog's command); take it again.
-    doc = currentDocument(L"TRANSMIT");
+    doc = app().commandDocument(L"TRANSMIT");
     if (!doc) return false;
 
     const fs::path folder = toPath(folderText);
@@ -202,12 +195,12 @@ class TransmitCommand : public UICmdProcess {
 class PlotCommand : public UICmdProcess {
  public:
   bool execute() override {
-    if (!currentDocument(L"PLOT")) return false;
+    if (!app().commandDocument(L"PLOT")) return false;
     OdString path;
     if (!app().getString(L"PDF file to plot to: ", path)) return false;
     hostRunSilentCheck(kHostCheckPlot);
     // The check may have closed the drawing (a dialog's command); take it again.
-    HostDocument* doc = currentDocument(L"PLOT");
+    HostDocument* doc = app().commandDocument(L"PLOT");
     if (!doc) return false;
     OdString error;
     if (!app().front().plotToPdf(*doc->database(), path, error)) {

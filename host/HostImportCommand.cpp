@@ -14,12 +14,6 @@ HostApplication& app() {
   return HostApplication::running();
 }
 
-HostDocument* currentDocument() {
-  HostDocument* doc = app().documents().curDocument();
-  if (!doc) app().cmdPrint(L"IMPORT: no document is open\n");
-  return doc;
-}
-
 // Why `path` could not be imported, on one line (a reader's reason may quote a file's lines)
 // and without the path when the reason starts with it, as the reader's do.
 OdString reasonFor(const OdString& path, const OdError& e) {
@@ -35,12 +29,12 @@ OdString reasonFor(const OdString& path, const OdError& e) {
 class ImportCommand : public UICmdProcess {
  public:
   bool execute() override {
-    if (!currentDocument()) return false;
+    if (!app().commandDocument(L"IMPORT")) return false;
     OdString path;
     if (!app().getString(L"Drawing to import: ", path)) return false;
     hostRunSilentCheck(kHostCheckImport);
     // The check may have closed the drawing (a dialog's command); take it again.
-    HostDocument* doc = currentDocument();
+    HostDocument* doc = app().commandDocument(L"IMPORT");
     if (!doc) return false;
 
     const std::filesystem::path file(path.toUtf8());
