@@ -68,8 +68,8 @@ HostQtTaskDialog::HostQtTaskDialog(const HostTaskDialog& dialog, QWidget* parent
                                         : static_cast<QBoxLayout*>(new QHBoxLayout);
   if (!dialog.commandLinks) row->addStretch(1);
   const int defaultId = dialog.answers().front();
-  for (const HostTaskDialogButton& spec : dialog.buttons) {
-    const QString text = plainLines(spec.text);
+  for (const HostTaskDialogButton& choice : dialog.buttons) {
+    const QString text = plainLines(choice.text);
     const qsizetype split = text.indexOf(QLatin1Char('\n'));
     const QString first = split < 0 ? text : text.left(split);
     QPushButton* button = nullptr;
@@ -80,7 +80,7 @@ HostQtTaskDialog::HostQtTaskDialog(const HostTaskDialog& dialog, QWidget* parent
       button = new QPushButton(first, this);
       if (split >= 0) button->setToolTip(text.mid(split + 1));
     }
-    const int id = spec.id;
+    const int id = choice.id;
     connect(button, &QPushButton::clicked, this, [this, id] { choose(id); });
     if (id == defaultId) {
       button->setDefault(true);

@@ -93,19 +93,19 @@ void HostQtFrontTest::messageBoxesGiveTheHostsAnswers() {
 
 void HostQtFrontTest::taskDialogsGiveTheChosenId() {
   QtHost host;
-  HostTaskDialog spec;
-  spec.windowTitle = L"Standards Violation";
-  spec.mainInstruction = L"Layer \"Walls\" does not match the standard";
-  spec.content = L"Its colour is red;\r\nthe standard says blue.";
-  spec.icon = HostIcon::kWarning;
-  spec.buttons = {{101, L"Fix it\nGive the layer the standard's properties"},
-                  {102, L"Leave it"},
-                  {103, L"Stop checking\nKeep the problems for later"}};
-  spec.defaultButton = 102;
+  HostTaskDialog asked;
+  asked.windowTitle = L"Standards Violation";
+  asked.mainInstruction = L"Layer \"Walls\" does not match the standard";
+  asked.content = L"Its colour is red;\r\nthe standard says blue.";
+  asked.icon = HostIcon::kWarning;
+  asked.buttons = {{101, L"Fix it\nGive the layer the standard's properties"},
+                   {102, L"Leave it"},
+                   {103, L"Stop checking\nKeep the problems for later"}};
+  asked.defaultButton = 102;
 
   // Command links, as a person sees them: text, note, the instruction in bold.
   for (bool links : {true, false}) {
-    spec.commandLinks = links;
+    asked.commandLinks = links;
     whenShown("Standards Violation", [&](QWidget* w) {
       auto* dialog = qobject_cast<HostQtTaskDialog*>(w);
       QVERIFY(dialog);
@@ -125,25 +125,25 @@ void HostQtFrontTest::taskDialogsGiveTheChosenId() {
       }
       QTest::mouseClick(dialog->buttons()[2].first, Qt::LeftButton);
     });
-    QCOMPARE(host.front.showTaskDialog(spec), 103);
+    QCOMPARE(host.front.showTaskDialog(asked), 103);
   }
 
-  spec.commandLinks = true;
+  asked.commandLinks = true;
   const std::pair<int, int> keys[] = {{Qt::Key_Return, 102}, {Qt::Key_Escape, kHostCancel}};
   for (auto [key, expected] : keys) {
     whenShown("Standards Violation", [key](QWidget* w) { QTest::keyClick(w, Qt::Key(key)); });
-    QCOMPARE(host.front.showTaskDialog(spec), expected);
+    QCOMPARE(host.front.showTaskDialog(asked), expected);
   }
   // No default named: the first button is.
-  spec.defaultButton = 0;
+  asked.defaultButton = 0;
   whenShown("Standards Violation", [](QWidget* w) { QTest::keyClick(w, Qt::Key_Return); });
-  QCOMPARE(host.front.showTaskDialog(spec), 101);
+  QCOMPARE(host.front.showTaskDialog(asked), 101);
   // The close box dismisses it.
   whenShown("Standards Violation", [](QWidget* w) { w->close(); });
-  QCOMPARE(host.front.showTaskDialog(spec), int(kHostCancel));
+  QCOMPARE(host.front.showTaskDialog(asked), int(kHostCancel));
   // The host's own call reaches the same dialog.
   whenShown("Standards Violation", [](QWidget* w) { QTest::keyClick(w, Qt::Key_Return); });
-  QCOMPARE(host.app.taskDialog(spec), 101);
+  QCOMPARE(host.app.taskDialog(asked), 101);
 }
 
 void HostQtFrontTest::commandLineTextGoesToWidgetStreamAndSignal() {

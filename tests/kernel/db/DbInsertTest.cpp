@@ -83,7 +83,7 @@ TEST(DbInsert, RealDrawingsGoInAsABlockWithTheirRecords) {
     }
     const short keptColour =
         kept.isNull() ? 0 : OdDbLayerTableRecordPtr(kept.safeOpenObject())->colorIndex();
-    const std::uint64_t seed = target->nextHandle().value();
+    const std::uint64_t firstNewHandle = target->nextHandle().value();
     auto counter = OdRxObjectImpl<AppendCounter>::createObject();
     target->addReactor(counter.get());
     const OdDbDatabase::InsertResult result = target->insert(L"plan", *source);
@@ -104,10 +104,10 @@ TEST(DbInsert, RealDrawingsGoInAsABlockWithTheirRecords) {
     for (const OdDbObjectId& id : testsupport::entitiesOf(result.block)) {
       OdDbEntityPtr e = id.safeOpenObject();
       EXPECT_FALSE(e->layerId().isNull()) << "layer " << e->layer().toUtf8() << " came along";
-      EXPECT_GE(e->getDbHandle().value(), seed);
+      EXPECT_GE(e->getDbHandle().value(), firstNewHandle);
     }
     EXPECT_GE(counter->appended, sourceCount + 2) << "reactors hear of every new object";
-    EXPECT_GE(*counter->handles.begin(), seed);
+    EXPECT_GE(*counter->handles.begin(), firstNewHandle);
     EXPECT_EQ(source->writeBuffer(), sourceBytes) << "the source is left as it was";
 
     // A second insert of the same drawing gets a name of its own.
