@@ -77,6 +77,11 @@ HostApplication& HostApplication::running() {
   return *g_current;
 }
 
+bool HostApplication::highlightObjects(OdDbDatabase* db, const OdDbObjectIdArray& ids, bool zoom) {
+  HostDocument* doc = db ? documents_.documentOf(db) : nullptr;
+  return doc && front_.highlightObjects(doc, ids, zoom);
+}
+
 HostStatusBar* HostApplication::statusBar() {
   return front_.statusBar();
 }

@@ -99,6 +99,7 @@ class HostApplication : public HostServices {
                                            bool partialLoad, int shareMode) override;
   OdDbDatabase* currentDatabase() override { return documents_.curDatabase(); }
   HostApDocManager* docManager() override { return &documents_; }
+  bool highlightObjects(OdDbDatabase* db, const OdDbObjectIdArray& ids, bool zoom) override;
   void sendCommand(const OdString& text) override { commandLine_.submit(text); }
   void cmdPrint(const OdString& text) override { commandLine_.print(text); }
   bool getString(const OdString& prompt, OdString& answer) override;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "HostMessage.h"
+#include "OdDbObjectId.h"
 #include "OdString.h"
 
 class HostDocument;
@@ -41,6 +42,14 @@ class HostFrontend {
     (void)db;
     (void)path;
     error = L"this host has no plotter";
+    return false;
+  }
+  // Highlights `ids` in the document's view, replacing what was highlighted, and with `zoom`
+  // zooms to them; false when the front has no view of the document.
+  virtual bool highlightObjects(HostDocument* doc, const OdDbObjectIdArray& ids, bool zoom) {
+    (void)doc;
+    (void)ids;
+    (void)zoom;
     return false;
   }
   // Zooms the document's view to the extents of its drawing; false when the front has no view.

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "HostMessage.h"
+#include "OdDbObjectId.h"
 #include "OdResBuf.h"
 #include "OdResult.h"
 #include "OdSmartPtr.h"
@@ -38,6 +39,11 @@ class HostServices {
   virtual OdDbDatabase* currentDatabase() = 0;
   // The document manager (also get_host_funcptr(2)); never null.
   virtual HostApDocManager* docManager() = 0;
+  // Highlights `ids` in the view of the document that holds `db`, replacing what was
+  // highlighted (an empty list clears it); ids that are not entities of its model space are
+  // ignored. With `zoom` the view also zooms to them. False, doing nothing, when the host has no
+  // view of that drawing (a host without a screen, a drawing read for reference).
+  virtual bool highlightObjects(OdDbDatabase* db, const OdDbObjectIdArray& ids, bool zoom) = 0;
 
   // ---- command line
   // Submits command-line text; "CHECKSTANDARDS " with its trailing blank runs that command

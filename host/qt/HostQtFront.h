@@ -48,6 +48,9 @@ class HostQtFront : public QObject, public HostFrontend {
   void setZoomExtentsHandler(std::function<bool(HostDocument*)> handler) {
     zoomExtents_ = std::move(handler);
   }
+  // What highlightObjects does: the drawing view's answer (the desktop window sets it).
+  using HighlightHandler = std::function<bool(HostDocument*, const OdDbObjectIdArray&, bool)>;
+  void setHighlightHandler(HighlightHandler handler) { highlight_ = std::move(handler); }
 
   // HostFrontend
   // A QMessageBox with the box's buttons in their usual order, its default button focused.
@@ -68,6 +71,9 @@ class HostQtFront : public QObject, public HostFrontend {
   // HostQtDrawingPainter::writePdf of the drawing's model space.
   bool plotToPdf(OdDbDatabase& db, const OdString& path, OdString& error) override;
   bool zoomExtents(HostDocument* doc) override { return zoomExtents_ && zoomExtents_(doc); }
+  bool highlightObjects(HostDocument* doc, const OdDbObjectIdArray& ids, bool zoom) override {
+    return highlight_ && highlight_(doc, ids, zoom);
+  }
 
  signals:
   // Text written to the command line, as it comes.
@@ -80,4 +86,5 @@ class HostQtFront : public QObject, public HostFrontend {
   std::FILE* echo_ = nullptr;
   bool scriptRunning_ = false;
   std::function<bool(HostDocument*)> zoomExtents_;
+  HighlightHandler highlight_;
 };
