@@ -121,6 +121,8 @@ TEST(HostEditCommands, SelectAllThenChangeLayerMovesTheLiveSelectedEntities) {
   EXPECT_EQ(count(q.host.output(), "CHANGE: unknown property \"COLOR\"; give Layer\n"), 1u);
   const OdDbObjectIdArray selected = doc->selection();
   ASSERT_EQ(selected.size(), 3u);
+  EXPECT_FALSE(q.host.app().highlightObjects(doc->database(), selected, true))
+      << "a host without a view has nothing to highlight in";
   OdDbObjectPtr(selected[0].safeOpenObject(OdDb::kForWrite))->erase();
 
   q.host.submit(L"change layer walls\n");
