@@ -27,8 +27,11 @@ def main():
         sys.exit("usage: ezdxf_draw_probe.py FILE [REPEAT]")
     path = sys.argv[1]
     repeat = int(sys.argv[2]) if len(sys.argv) == 3 else 3
+    import logging
     import matplotlib
     matplotlib.use("Agg")
+    # A drawing's shape fonts are no system fonts: one fallback each, not a line per text.
+    logging.getLogger("matplotlib.font_manager").setLevel(logging.ERROR)
     import matplotlib.pyplot as plt
     import ezdxf
     from ezdxf.addons.drawing import Frontend, RenderContext

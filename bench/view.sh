@@ -53,7 +53,7 @@ for f in "${files[@]}"; do
   done
   "$bin/view_probe" "$f" --png "$work/${name%.*}.png" >>ours.jsonl
   if [ "${BENCH_SKIP_EZDXF:-0}" != 1 ]; then
-    "$python" "$root/bench/ezdxf_draw_probe.py" "$f" >>peer.jsonl
+    "$python" "$root/bench/ezdxf_draw_probe.py" "$f" >>peer.jsonl 2>>peer.log
   fi
 done
 
