@@ -127,7 +127,8 @@ LayersPanel::LayersPanel(HostApplication& app, QWidget* parent)
   table_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
   table_->setWordWrap(false);
   QHeaderView* header = table_->horizontalHeader();
-  header->setSectionResizeMode(QHeaderView::ResizeToContents);
+  // Widths follow the contents once per reading (refresh), not on every cell change.
+  header->setSectionResizeMode(QHeaderView::Interactive);
   header->setSectionResizeMode(kName, QHeaderView::Stretch);
   header->setMinimumSectionSize(24);
 
@@ -181,6 +182,9 @@ void LayersPanel::refresh() {
   linetypes_ = db ? readLinetypes(*db) : QStringList();
   current_ = db ? qt(HostLayerRules::currentLayer(*db)) : QString();
 
+  const bool keepsLineweights =
+      db && db->formatRelease() >= HostLayerRules::kFirstReleaseWithLineweights;
+
   filling_ = true;
   const QSignalBlocker blockSelection(table_->selectionModel());
   table_->setRowCount(static_cast<int>(rows.size()));
@@ -206,15 +210,23 @@ void LayersPanel::refresh() {
 
     auto* linetype = static_cast<QComboBox*>(table_->cellWidget(row, kLinetype));
     const QSignalBlocker blockLinetype(linetype);
-    linetype->clear();
-    linetype->addItems(linetypes_);
-    if (linetypes_.indexOf(layer.linetype) < 0) linetype->addItem(layer.linetype);
+    // A layer may name a linetype the drawing lacks; its combo lists that name too.
+    QStringList choices = linetypes_;
+    if (!choices.contains(layer.linetype)) choices << layer.linetype;
+    if (linetype->property("choices").toStringList() != choices) {
+      linetype->clear();
+      linetype->addItems(choices);
+      linetype->setProperty("choices", choices);
+    }
     linetype->setCurrentText(layer.linetype);
     auto* weight = static_cast<QComboBox*>(table_->cellWidget(row, kLineweight));
     const QSignalBlocker blockWeight(weight);
     weight->setCurrentIndex(weight->findData(qt(HostLayerRules::lineweightText(layer.lineweight))));
+    weight->setEnabled(keepsLineweights);
   }
   filling_ = false;
+  for (int column = 0; column < kColumnCount; ++column)
+    if (column != kName) table_->resizeColumnToContents(column);
 
   const QString select = editWhenShown_.isEmpty() ? keep : editWhenShown_;
   const int row = rowOf(select);
@@ -234,6 +246,7 @@ void LayersPanel::fillRow(int row, const QString& name) {
   // The combos stay from one reading to the next; each knows its layer by the row's name.
   if (!table_->cellWidget(row, kLinetype)) {
     auto* linetype = new QComboBox;
+    linetype->setFrame(false);
     linetype->setToolTip(tr("The linetype of the layer"));
     connect(linetype, &QComboBox::activated, this, [this, linetype](int) {
       const QString layer = quoted(linetype->property("layer").toString());
@@ -244,6 +257,7 @@ void LayersPanel::fillRow(int row, const QString& name) {
   }
   if (!table_->cellWidget(row, kLineweight)) {
     auto* weight = new QComboBox;
+    weight->setFrame(false);
     weight->setToolTip(tr("The lineweight of the layer, in millimetres"));
     weight->addItem(tr("Default"), QString("Default"));
     for (OdDb::LineWeight w : HostLayerRules::lineweights()) {

@@ -26,6 +26,14 @@ TEST(HostLayerCommand, EveryFormEditsTheDrawingAndTheSavedFileShowsIt) {
   OdDbLayerTablePtr layers = doc->database()->getLayerTableId().safeOpenObject();
   const std::string wallsHandle = layers->getAt(L"Walls").getHandle().ascii();
   layers.release();
+  // An unused layer with an extension dictionary: deleting it takes the dictionary along.
+  std::string spareDictHandle;
+  {
+    OdDbObjectPtr spare =
+        testsupport::addLayer(*doc->database(), L"Spare", 7).safeOpenObject(OdDb::kForWrite);
+    spare->createExtensionDictionary();
+    spareDictHandle = spare->extensionDictionary().getHandle().ascii();
+  }
 
   // Options and names in any case; the words a form leaves out are taken as the answers to
   // its prompts, as a script gives them.
@@ -34,7 +42,7 @@ TEST(HostLayerCommand, EveryFormEditsTheDrawingAndTheSavedFileShowsIt) {
       L"-LAYER\nnew\nStairs\n-LAYER F Stairs\n-LAYER SET stairs\n-LAYER T Stairs\n"
       L"-LAYER ON Stairs\n-LAYER NEW \"Ground floor\"\n-LAYER LW .35 \"ground FLOOR\"\n"
       L"-LAYER SET \"Ground floor\"\n-LAYER DELETE \"Ground floor\"\n-LAYER LWEIGHT default Doors\n"
-      L"-LAYER NEW Spare\n-LAYER D spare\n"
+      L"-LAYER D spare\n"
       L"-LAYER SET Walls\n-LAYER RENAME walls Partitions\n");
   const std::string& out = q.host.output();
   for (const char* line :
@@ -60,7 +68,9 @@ TEST(HostLayerCommand, EveryFormEditsTheDrawingAndTheSavedFileShowsIt) {
       "    print(l.dxf.name, l.dxf.handle, l.color, l.dxf.linetype, l.is_off(), l.is_frozen(),\n"
       "          l.dxf.lineweight)\n"
       "print(doc.header['$CLAYER'])\n"
-      "print(' '.join(e.dxf.layer for e in doc.modelspace()))\n",
+      "print(' '.join(e.dxf.layer for e in doc.modelspace()))\n"
+      "print('dictionary', doc.entitydb.get('" +
+          spareDictHandle + "'))\n",
       plan);
   ASSERT_EQ(read.exitCode, 0) << read.output;
   EXPECT_NE(read.output.find("Doors "), std::string::npos) << read.output;
@@ -77,6 +87,21 @@ TEST(HostLayerCommand, EveryFormEditsTheDrawingAndTheSavedFileShowsIt) {
       << "Stairs, then $CLAYER and the texts follow the rename\n"
       << read.output;
   EXPECT_EQ(read.output.find("Walls"), std::string::npos) << read.output;
+  EXPECT_NE(read.output.find("dictionary None\n"), std::string::npos) << read.output;
+}
+
+TEST(HostLayerCommand, ARelease12DrawingKeepsNoLineweights) {
+  const fs::path drawing = testsupport::corpusDir() / "r12_ezdxf_ascii_greek_umlaut_layer.dxf";
+  if (testsupport::corpusDir().empty() || !fs::exists(drawing))
+    GTEST_SKIP() << "the corpus drawing " << drawing << " is absent";
+  QuietHost q;
+  testsupport::copyWorkingCopy(drawing, q.dir.path() / "r12.dxf");
+  HostDocument* doc = q.host.openDrawing(q.dir.path() / "r12.dxf");
+  q.host.submit(L"-LAYER LWEIGHT 0.25 0\n");
+  EXPECT_EQ(count(q.host.output(), "-LAYER: the drawing's format AC1009 keeps no lineweights\n"),
+            1u)
+      << q.host.output();
+  EXPECT_FALSE(doc->isModified());
 }
 
 TEST(HostLayerCommand, BadInputSaysWhatInOneLineAndChangesNothing) {
