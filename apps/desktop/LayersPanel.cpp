@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "HostApplication.h"
+#include "HostCommandLine.h"
 #include "HostDocument.h"
 #include "HostLayerRules.h"
 #include "HostQtDrawingPainter.h"
@@ -387,7 +388,7 @@ void LayersPanel::send(const QString& words) {
   // From the event loop: the command reads the table afresh, which must not happen while the
   // table is still handling the click or closing an editor.
   QTimer::singleShot(0, this, [this, doc = doc_, line = "-LAYER " + words + " "] {
-    if (!doc || doc != doc_) return;
+    if (!doc || doc != doc_ || app_.commandLine().isRunning()) return;
     if (app_.documents().curDocument() != doc) app_.documents().setCurDocument(doc);
     app_.sendCommand(od(line));
   });
@@ -415,6 +416,12 @@ void LayersPanel::onNoDocumentCurrent() {
   setDocument(nullptr);
 }
 
+void LayersPanel::commandWillStart(const OdString&) {
+  setEnabled(false);
+}
+
 void LayersPanel::afterCommand(const OdString&) {
+  // A transparent command ends within the one that started it; the panel waits for that too.
+  setEnabled(!app_.commandLine().isRunning());
   refresh();
 }

@@ -22,6 +22,9 @@ class QTableWidget;
 // The line is sent from the event loop once the click is over, and the panel reads the
 // drawing afresh after every command, so an edit typed on the command line shows here too.
 //
+// While any command runs (one waiting for its words on the command line, say) the panel is
+// disabled; it takes clicks again once the command ends.
+//
 // The panel follows the host's current document by itself (and lets go of a document that
 // closes); setDocument() shows another one. Delete is enabled only for a layer the command
 // would delete (HostLayerRules::whyNotDeletable; its tooltip says why not). `app` is not
@@ -53,7 +56,9 @@ class LayersPanel : public QWidget,
   void onDocumentBecameCurrent(HostDocument* doc) override;
   void onDocumentClosing(HostDocument* doc) override;
   void onNoDocumentCurrent() override;
-  // HostEdInputContextReactor
+  // HostEdInputContextReactor: the panel is disabled while a command runs, so that a click
+  // cannot slip its words into the answers a command waits for.
+  void commandWillStart(const OdString& commandName) override;
   void afterCommand(const OdString& commandName) override;
 
  private:

@@ -6,6 +6,7 @@
 #include <QDockWidget>
 #include <QSpinBox>
 #include <QTableWidget>
+#include <QTimer>
 #include <algorithm>
 
 #include "DesktopTestSupport.h"
@@ -183,6 +184,20 @@ class LayersPanelTest : public QObject {
     d.type("-LAYER OFF typed");
     QVERIFY(p.row("Typed") >= 0);
     QCOMPARE(p.text("Typed", LayersPanel::kOn), QString("Off"));
+
+    // While a typed command waits for its words the panel takes no clicks: they would become
+    // those words.
+    QTimer::singleShot(100, [&] {
+      QVERIFY(!p.panel->isEnabled());
+      p.click("Walls", LayersPanel::kOn);
+      d.type("Freeze");
+    });
+    QTimer::singleShot(400, [&] { d.type("walls"); });
+    d.type("-LAYER");
+    QTRY_VERIFY(layer(d, L"Walls")->isFrozen());
+    QVERIFY(!layer(d, L"Walls")->isOff());
+    QVERIFY(p.panel->isEnabled());
+    d.type("-LAYER THAW Walls");
 
     d.type("SAVE");
     const auto read = testsupport::ezdxf(
