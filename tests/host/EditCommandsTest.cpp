@@ -106,12 +106,13 @@ TEST(HostLayerCommand, ARelease12DrawingKeepsNoLineweights) {
 
 TEST(HostLayerCommand, BadInputSaysWhatInOneLineAndChangesNothing) {
   QuietHost q;
-  // The plan, and layers no delete may take: Defpoints, and Furniture whose only user is a
-  // text in paper space.
+  // The plan, and layers no delete may take: Defpoints, one of an external reference, and
+  // Furniture whose only user is a text in paper space.
   const fs::path plan = hosttest::writePlan(q.dir.path() / "plan.dxf");
   {
     OdDbDatabasePtr db = OdDbDatabase::readFile(plan);
     testsupport::addLayer(*db, L"Defpoints", 7);
+    testsupport::addLayer(*db, L"Site|Walls", 7);
     testsupport::addLayer(*db, L"Furniture", 7);
     testsupport::addText(*db, L"Furniture", L"chair", db->getPaperSpaceId());
     db->writeFile(plan);
@@ -147,6 +148,8 @@ TEST(HostLayerCommand, BadInputSaysWhatInOneLineAndChangesNothing) {
            {L"DELETE walls",
             "layer Walls cannot be deleted: 2 objects use it, the first an AcDbText (handle "},
            {L"DELETE Defpoints", "layer Defpoints cannot be deleted: it is Defpoints"},
+           {L"DELETE site|walls",
+            "layer Site|Walls cannot be deleted: it belongs to an external reference\n"},
            {L"DELETE Furniture", "layer Furniture cannot be deleted: an AcDbText (handle "},
            {L"DELETE Furniture", ") in *Paper_Space uses it\n"},
        }) {
