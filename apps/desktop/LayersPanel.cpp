@@ -197,7 +197,9 @@ void LayersPanel::refresh() {
     font.setBold(isCurrent);
     itemAt(table_, row, kCurrent)->setText(isCurrent ? QString::fromUtf8("\u2713") : QString());
     QTableWidgetItem* name = itemAt(table_, row, kName);
-    name->setFlags(name->flags() | Qt::ItemIsEditable);
+    // Layer 0 keeps its name; every other name is edited in place.
+    name->setFlags(layer.name == "0" ? name->flags() & ~Qt::ItemIsEditable
+                                     : name->flags() | Qt::ItemIsEditable);
     name->setText(layer.name);
     name->setData(kNameRole, layer.name);
     name->setFont(font);
