@@ -2,10 +2,12 @@
 
 #include <cstdio>
 
-EntityTags::EntityTags(const char* type, const OdString& layer) : type_(type) {
+EntityTags::EntityTags(const char* type, const OdString& layer, const OdString& linetype)
+    : type_(type) {
   add(0, type);
   add(100, "AcDbEntity");
   add(8, layer);
+  if (!linetype.isEmpty()) add(6, linetype);
 }
 
 EntityTags& EntityTags::add(int code, const char* value) {

@@ -11,8 +11,9 @@
 // gives the same bytes.
 class EntityTags {
  public:
-  // Starts an entity of DXF type `type` on `layer`.
-  EntityTags(const char* type, const OdString& layer);
+  // Starts an entity of DXF type `type` on `layer`, in `linetype` when one is given (else in
+  // its layer's).
+  EntityTags(const char* type, const OdString& layer, const OdString& linetype = OdString());
 
   EntityTags& add(int code, const char* value);
   EntityTags& add(int code, const OdString& value);

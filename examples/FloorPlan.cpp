@@ -65,15 +65,17 @@ EntityTags line(const OdString& layer, Point a, Point b) {
   return t;
 }
 
-EntityTags polyline(const OdString& layer, const std::vector<Point>& points, bool closed) {
-  EntityTags t("LWPOLYLINE", layer);
+// A polyline, in its layer's linetype unless `linetype` names another.
+EntityTags polyline(const OdString& layer, const std::vector<Point>& points, bool closed,
+                    const OdString& linetype = OdString()) {
+  EntityTags t("LWPOLYLINE", layer, linetype);
   t.add(100, "AcDbPolyline").add(90, static_cast<int>(points.size())).add(70, closed ? 1 : 0);
   for (Point p : points) t.flatPoint(10, p.x, p.y);
   return t;
 }
 
-EntityTags rectangle(const OdString& layer, Rect r) {
-  return polyline(layer, {{r.x0, r.y0}, {r.x1, r.y0}, {r.x1, r.y1}, {r.x0, r.y1}}, true);
+EntityTags rectangle(const OdString& layer, Rect r, const OdString& linetype = OdString()) {
+  return polyline(layer, {{r.x0, r.y0}, {r.x1, r.y0}, {r.x1, r.y1}, {r.x0, r.y1}}, true, linetype);
 }
 
 EntityTags circle(const OdString& layer, Point c, double radius) {
@@ -272,7 +274,7 @@ void FloorPlan::defineBlocks() {
   // A door 1000 wide, hinged at the origin, closing along +x and open along +y: the leaf
   // (drawn solid whatever its layer's linetype) and its swing.
   OdDbObjectId door = newBlock(L"DOOR");
-  append(door, rectangle(kZero, {0, 0, 40, 1000}).add(6, OdString(L"Continuous")));
+  append(door, rectangle(kZero, {0, 0, 40, 1000}, L"Continuous"));
   append(door, arc(kZero, {0, 0}, 1000, 0, 90));
   // A window 1000 long in a wall 300 thick: the reveals and a double glazing line.
   OdDbObjectId window = newBlock(L"WINDOW");
@@ -378,7 +380,7 @@ void FloorPlan::drawFurniture() {
                true));
   insert(kFurniture, L"SINK", {8900, 350}, east, north);
   insert(kFurniture, L"HOB", {11650, 1800}, north, west);
-  append(model(), rectangle(kFurniture, {11350, 900, 11700, 3200}).add(6, OdString(L"HIDDEN")));
+  append(model(), rectangle(kFurniture, {11350, 900, 11700, 3200}, L"HIDDEN"));
   EntityTags leader("LEADER", kNotes);
   leader.add(100, "AcDbLeader").add(3, OdString(L"My-Dims")).add(71, 1).add(72, 0).add(73, 3);
   leader.add(74, 0).add(75, 0).add(40, 0.0).add(41, 0.0).add(76, 3);
@@ -452,9 +454,8 @@ void FloorPlan::dimension(Point a, Point b, double offset, const OdString& style
 }
 
 void FloorPlan::drawSite() {
-  append(model(),
-         polyline(kTopo, {{-2500, -2500}, {15000, -2500}, {16000, 11500}, {-2500, 11500}}, true)
-             .add(6, OdString(L"DASHED")));
+  append(model(), polyline(kTopo, {{-2500, -2500}, {15000, -2500}, {16000, 11500}, {-2500, 11500}},
+                           true, L"DASHED"));
   append(model(), text(kTopo, L"Notes-Arial", {6750, 11700}, 250, L"PLOT BOUNDARY", 0.0, true));
   append(model(), line(kRoad, {-3700, -6000}, {-3700, 14000}));
   append(model(), line(kRoad, {-5200, -6000}, {-5200, 14000}));
