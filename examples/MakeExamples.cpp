@@ -1,14 +1,14 @@
 // Writes the example project that the README's main command checks: two standards files and a
-// floor plan that breaks them in every way the standard plug-ins know, with one problem a
-// user has marked as ignored. Run by make-examples.sh; the files it writes are committed, and
-// a test checks that they are still what this program makes.
+// floor plan (FloorPlan draws it) that breaks them in every way the standard plug-ins know,
+// with one problem a user has marked as ignored. Run by make-examples.sh; the files it writes are
+// committed, and a test checks that they are still what this program makes.
 
 #include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include "OdDbBlockTableRecord.h"
+#include "FloorPlan.h"
 #include "OdDbDatabase.h"
 #include "OdDbDimStyleTable.h"
 #include "OdDbDimStyleTableRecord.h"
@@ -16,7 +16,6 @@
 #include "OdDbLayerTableRecord.h"
 #include "OdDbLinetypeTable.h"
 #include "OdDbLinetypeTableRecord.h"
-#include "OdDbText.h"
 #include "OdDbTextStyleTable.h"
 #include "OdDbTextStyleTableRecord.h"
 #include "OdError.h"
@@ -47,13 +46,13 @@ struct DimStyle {
   double textHeight;  // DIMTXT
   double arrowSize;   // DIMASZ
   const wchar_t* textStyle;
+  double scale = 1.0;  // DIMSCALE, stored when not 1
 };
 struct Drawing {
   std::vector<Linetype> linetypes;
   std::vector<TextStyle> textStyles;
   std::vector<DimStyle> dimStyles;
   std::vector<Layer> layers;
-  bool notes = false;  // a text on each layer, in turn in each text style
 };
 
 OdDbDatabasePtr build(const Drawing& d) {
@@ -88,35 +87,19 @@ OdDbDatabasePtr build(const Drawing& d) {
       r->setDimVar(OdResBuf::newRb(140, s.textHeight).get());
       r->setDimVar(OdResBuf::newRb(41, s.arrowSize).get());
       r->setDimtxsty(styles->getAt(s.textStyle));
+      if (s.scale != 1.0) r->setDimVar(OdResBuf::newRb(40, s.scale).get());
     }
   }
-  std::vector<OdDbObjectId> layers;
   {
     OdDbLayerTablePtr table = db->getLayerTableId().safeOpenObject(OdDb::kForWrite);
     OdDbLinetypeTablePtr linetypes = db->getLinetypeTableId().safeOpenObject();
     for (const Layer& l : d.layers) {
       OdDbLayerTableRecordPtr r = OdDbLayerTableRecord::createObject();
       r->setName(l.name);
-      layers.push_back(table->add(r.get()));
+      table->add(r.get());
       r->setColorIndex(l.color);
       r->setLinetypeObjectId(linetypes->getAt(l.linetype));
       r->setLineWeight(static_cast<OdDb::LineWeight>(l.lineweight));
-    }
-  }
-  if (d.notes) {
-    OdDbBlockTableRecordPtr model = db->getModelSpaceId().safeOpenObject(OdDb::kForWrite);
-    OdDbTextStyleTablePtr styles = db->getTextStyleTableId().safeOpenObject();
-    double y = 0;
-    for (std::size_t i = 0; i < layers.size(); ++i) {
-      OdDbTextPtr text = OdDbText::createObject();
-      model->appendOdDbEntity(text.get());
-      text->setLayer(layers[i]);
-      text->setTextString(OdString(L"Layer ") + OdString(d.layers[i].name));
-      text->setPosition(0.0, y);
-      text->setHeight(2.5);
-      const TextStyle& style = d.textStyles[i % d.textStyles.size()];
-      text->setTextStyle(styles->getAt(style.name));
-      y -= 5.0;
     }
   }
   return db;
@@ -161,19 +144,21 @@ int main(int argc, char** argv) {
     plan.linetypes = {{L"DASHED", L"Dashed __ __ __ __", {12.7, -6.35}},
                       {L"HIDDEN", L"Hidden", {5.0, -2.5}},                      // another pattern
                       {L"Dashdot2", L"My dash-dot", {10.0, -2.0, 0.0, -2.0}}};  // not standard
-    plan.textStyles = {{L"Office-Notes", L"romans.shx", 1.0},      // wider than the standard
-                       {L"Notes-Arial", L"arial.ttf", 1.0}};       // not standard
-    plan.dimStyles = {{L"Office-Dim", 3.0, 2.5, L"Office-Notes"},  // larger text
-                      {L"My-Dims", 2.0, 2.0, L"Notes-Arial"}};     // not standard
-    plan.layers = {{L"A-WALL", 1, L"Continuous", 50},              // red, the standard has white
-                   {L"A-DOOR", 3, L"DASHED", 25},                  // as the standard
-                   {L"a-glaz", 4, L"Continuous", 18},              // as the standard, other case
-                   {L"Furniture", 6, L"Dashdot2", 13},             // not standard
-                   {L"A-ANNO-TEXT", 2, L"Continuous", 35},         // heavier than the standard
-                   {L"C-TOPO", 94, L"Continuous", 18},             // from the site standard
-                   {L"Ébauche", 5, L"Continuous", -3}};            // not standard, ignored below
-    plan.notes = true;
+    plan.textStyles = {{L"Office-Notes", L"romans.shx", 1.0},         // wider than the standard
+                       {L"Office-Titles", L"romant.shx", 1.0},        // as the standard
+                       {L"Notes-Arial", L"arial.ttf", 1.0}};          // not standard
+    plan.dimStyles = {{L"Office-Dim", 3.0, 2.5, L"Office-Notes"},     // larger text
+                      {L"My-Dims", 2.0, 2.0, L"Notes-Arial", 50.0}};  // not standard
+    plan.layers = {{L"A-WALL", 1, L"Continuous", 50},                 // red, the standard has white
+                   {L"A-DOOR", 3, L"DASHED", 25},                     // as the standard
+                   {L"a-glaz", 4, L"Continuous", 18},                 // as the standard, other case
+                   {L"Furniture", 6, L"Dashdot2", 13},                // not standard
+                   {L"A-ANNO-TEXT", 2, L"Continuous", 35},            // heavier than the standard
+                   {L"C-TOPO", 94, L"Continuous", 18},                // from the site standard
+                   {L"C-ROAD", 8, L"Continuous", 35},                 // from the site standard
+                   {L"Ébauche", 5, L"Continuous", -3}};               // not standard, ignored below
     OdDbDatabasePtr db = build(plan);
+    FloorPlan(*db).draw();
 
     // The association lives in the drawing; relative paths are found from its folder.
     st::StDbReaderWriterPtr association = st::StDbReaderWriter::createObject();

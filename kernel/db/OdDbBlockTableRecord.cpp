@@ -66,5 +66,6 @@ OdDbObjectId OdDbBlockTableRecord::appendOdDbEntity(OdDbEntity* entity) {
   if (stub()->flags & OdDbStub::kDetached) owner = OdDbObjectId();
   OdDbObjectId id = entity->makeResident(stub()->database(), section, index, owner);
   if (paper) OdDbTagRange(entity->dxf(), "AcDbEntity").setInteger(67, 1, {330, 100});
+  if (entity->dxf().type() == "ATTDEF" && !isLayout()) impl.addBlockFlags(stub(), 2);
   return id;
 }

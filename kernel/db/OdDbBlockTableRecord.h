@@ -14,7 +14,8 @@ class OdDbBlockTableRecord : public OdDbSymbolTableRecord {
   OdDbObjectIteratorPtr newIterator(bool atBeginning = true, bool skipErased = true) const;
   // Adds a new entity at the end of the block and returns its id; it stays open for write
   // until its references go. Needs the block open for write (eNotOpenForWrite); an entity
-  // already in a drawing throws OdError(eInvalidInput).
+  // already in a drawing throws OdError(eInvalidInput). An attribute definition marks a named
+  // block as having attributes.
   OdDbObjectId appendOdDbEntity(OdDbEntity* entity);
 
   bool isLayout() const;

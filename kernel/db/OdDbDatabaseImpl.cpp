@@ -6,6 +6,7 @@
 #include "OdDbDatabaseReactor.h"
 #include "OdDbObject.h"
 #include "OdDbObjectFactory.h"
+#include "OdDbTagRange.h"
 #include "OdError.h"
 
 namespace {
@@ -461,6 +462,35 @@ std::pair<std::size_t, std::size_t> OdDbDatabaseImpl::entityInsertPosition(const
   std::size_t i = begin + 1;
   while (i < section.size() && section.object(i).type() != "ENDBLK") ++i;
   return {blocksSection_, i};
+}
+
+void OdDbDatabaseImpl::defineBlock(OdDbStub* record) {
+  const bool modern = doc_->versionNumber() >= 1012 || doc_->versionNumber() == 0;
+  if (!modern || blockBeginIndex(record) != kNone) return;
+  const OdString name = recordName(record);
+  const std::string owner = record->handle.ascii();
+  const std::size_t blocks = ensureSection("BLOCKS");
+  auto place = [&](std::vector<DxfTag> tags) {
+    OdDbStub* stub = insertObject(blocks, doc_->section(blocks).size(), std::move(tags));
+    DxfObject& obj = dxf(stub);
+    obj.insertTag(1, doc_->makeText(5, stub->handle.ascii()));
+    obj.insertTag(2, doc_->makeRaw(330, owner));
+  };
+  place({doc_->makeRaw(0, "BLOCK"), doc_->makeRaw(100, "AcDbEntity"), doc_->makeRaw(8, "0"),
+         doc_->makeRaw(100, "AcDbBlockBegin"), doc_->makeText(2, name),
+         doc_->makeInteger(70, name.left(1) == L"*" ? 1 : 0), doc_->makeRaw(10, "0.0"),
+         doc_->makeRaw(20, "0.0"), doc_->makeRaw(30, "0.0"), doc_->makeText(3, name),
+         doc_->makeRaw(1, "")});
+  place({doc_->makeRaw(0, "ENDBLK"), doc_->makeRaw(100, "AcDbEntity"), doc_->makeRaw(8, "0"),
+         doc_->makeRaw(100, "AcDbBlockEnd")});
+}
+
+void OdDbDatabaseImpl::addBlockFlags(const OdDbStub* record, int flags) {
+  const std::size_t begin = blockBeginIndex(record);
+  if (begin == kNone) return;
+  OdDbTagRange range(doc_->section(blocksSection_).object(begin), "AcDbBlockBegin");
+  const std::int64_t old = range.integer(70, 0);
+  if ((old | flags) != old) range.setInteger(70, old | flags, {2});
 }
 
 std::uint64_t OdDbDatabaseImpl::newHandle() {

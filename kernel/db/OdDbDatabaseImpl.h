@@ -124,6 +124,14 @@ class OdDbDatabaseImpl {
   std::vector<OdDbStub*> followers(const OdDbStub* entity) const;
   // Where a new entity of `record` goes: {section, index}.
   std::pair<std::size_t, std::size_t> entityInsertPosition(const OdDbStub* record);
+  // Gives the new block record `record` of a release-13-or-later drawing the BLOCK and ENDBLK
+  // entities that open and close its definition, at the end of the BLOCKS section, so that
+  // entities can be added to it; a name starting with '*' makes the BLOCK say the block is
+  // anonymous (flag 1). Does nothing when the record has a BLOCK already.
+  void defineBlock(OdDbStub* record);
+  // Sets the bits `flags` in group 70 of the BLOCK of `record` (2: the block has attribute
+  // definitions); does nothing for a record without a BLOCK.
+  void addBlockFlags(const OdDbStub* record, int flags);
   bool isPaperSpaceRecord(const OdDbStub* record);
 
   // A new object in the document, made of `tags` (of this document) at `index` of

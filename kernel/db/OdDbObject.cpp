@@ -56,7 +56,8 @@ void OdDbObject::initNewObject() {
 }
 
 void OdDbObject::initFromTemplate(std::string_view lines) {
-  newDoc_ = newObjectDocument();
+  if (stub_) throw OdError(eInvalidInput, "the " + describe(*this) + " is in a drawing already");
+  std::unique_ptr<DxfDocument> doc = newObjectDocument();
   std::vector<DxfTag> tags;
   std::size_t pos = 0;
   auto nextLine = [&](std::string_view& line) {
@@ -68,11 +69,25 @@ void OdDbObject::initFromTemplate(std::string_view lines) {
     return true;
   };
   std::string_view codeLine, value;
-  while (nextLine(codeLine) && nextLine(value)) {
+  while (nextLine(codeLine)) {
+    const std::size_t line = tags.size() * 2 + 1;
     int code = 0;
-    std::from_chars(codeLine.data(), codeLine.data() + codeLine.size(), code);
-    tags.push_back(newDoc_->makeRaw(code, value));
+    auto [end, error] = std::from_chars(codeLine.data(), codeLine.data() + codeLine.size(), code);
+    if (error != std::errc() || end != codeLine.data() + codeLine.size() ||
+        code < DxfTag::kMinCode || code > DxfTag::kMaxCode)
+      throw OdError(eInvalidInput, "new object, line " + std::to_string(line) +
+                                       ": not a group code: '" + std::string(codeLine) + "'");
+    if (tags.empty() && code != 0)
+      throw OdError(eInvalidInput, "new object, line 1: the type (group 0) must come first");
+    if (!nextLine(value))
+      throw OdError(eInvalidInput, "new object, line " + std::to_string(line) + ": group code " +
+                                       std::to_string(code) + " has no value");
+    tags.push_back(doc->makeRaw(code, value));
   }
+  if (tags.empty()) throw OdError(eInvalidInput, "new object: no tags");
+  // The old tags belong to the old document: they go first.
+  newObj_.reset();
+  newDoc_ = std::move(doc);
   newObj_ = std::make_unique<DxfObject>(*newDoc_, std::move(tags));
 }
 

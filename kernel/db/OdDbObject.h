@@ -87,6 +87,16 @@ class OdDbObject : public OdRxObject {
   // The DXF type of the object ("LAYER", "DICTIONARY", "LINE").
   OdString dxfType() const;
 
+  // Replaces the tags of a new object (one in no drawing yet) by DXF text lines: code, value,
+  // code, value..., the type (group 0) first, without the handle and the owner, which the
+  // drawing gives when the object joins it. createObject of each class starts from it; an
+  // entity of a type without a class of its own (LINE, ARC, HATCH...) is an OdDbEntity given
+  // its tags so. Values are checked by group code as a file's are. Throws OdError
+  // (eInvalidInput, naming the line) for an object in a drawing, a line that is no group code,
+  // a code without its value, a value its code cannot hold or a first tag that is no type;
+  // the object is unchanged then.
+  void initFromTemplate(std::string_view lines);
+
   // Internal to TD_Db: the object's tags (the database's, or its own while it is new).
   DxfObject& dxf() const;
   DxfDocument& dxfDocument() const;
@@ -106,9 +116,6 @@ class OdDbObject : public OdRxObject {
   // references go.
   OdDbObjectId makeResident(OdDbDatabase* db, std::size_t section, std::size_t index,
                             const OdDbObjectId& owner);
-  // Takes the tags of a new object from DXF text lines (code, value, code, value...),
-  // without the handle; used by createObject of each class.
-  void initFromTemplate(std::string_view lines);
 
  protected:
   OdDbObject();

@@ -64,6 +64,7 @@ OdDbObjectId OdDbSymbolTable::add(OdDbSymbolTableRecord* record) {
   }
   OdDbObjectId id = record->makeResident(s->database(), s->section, at, objectId());
   impl.recordAdded(id.stub());
+  if (kind == OdDbDatabaseImpl::kBlockRecord) impl.defineBlock(id.stub());
   return id;
 }
 

@@ -21,7 +21,9 @@ class OdDbSymbolTable : public OdDbObject {
   // Adds a new record and returns its id; the record stays open for write until its
   // references go. Needs the table open for write. Throws OdError: eInvalidInput for a
   // record of another kind, one already in a drawing, or one without a name;
-  // eDuplicateRecordName when the name is taken.
+  // eDuplicateRecordName when the name is taken. A new block record comes with the empty
+  // definition (BLOCK and ENDBLK) that entities are appended to; a name starting with '*'
+  // makes an anonymous block.
   OdDbObjectId add(OdDbSymbolTableRecord* record);
 
   // An iterator over the records as they are now.

@@ -7,6 +7,10 @@
 #include <set>
 
 #include "DbTestSupport.h"
+#include "OdDbAttribute.h"
+#include "OdDbAttributeDefinition.h"
+#include "OdDbBlockReference.h"
+#include "OdDbBlockTable.h"
 #include "OdDbBlockTableRecord.h"
 #include "OdDbDatabaseReactor.h"
 #include "OdDbDictionary.h"
@@ -203,8 +207,16 @@ TEST(DbObject, EntitiesMoveBetweenLayersAndStyles) {
   EXPECT_EQ(check.output.rfind("0 ", 0), 0u) << check.output;
 }
 
-TEST(DbObject, ANewTextInModelSpaceIsWrittenAsEzdxfReadsIt) {
+// New entities, of a class or only of tags, in model space and in new blocks, and an insert
+// with its attributes: what ezdxf reads back, and owners as the kernel reads them again.
+TEST(DbObject, NewEntitiesBlocksAndAttributesAreWrittenAsEzdxfReadsThem) {
   OdDbDatabasePtr db = OdDbDatabase::createEmpty();
+  auto entity = [](const char* tags) {
+    OdDbEntityPtr e = OdDbEntity::createObject();
+    e->initFromTemplate(tags);
+    return e;
+  };
+  OdDbObjectId insertId;
   {
     OdDbBlockTableRecordPtr ms = db->getModelSpaceId().safeOpenObject(OdDb::kForWrite);
     OdDbTextPtr text = OdDbText::createObject();
@@ -214,17 +226,73 @@ TEST(DbObject, ANewTextInModelSpaceIsWrittenAsEzdxfReadsIt) {
     text->setHeight(3.5);
     EXPECT_TRUE(text->textString() == L"Cote 2,50 — Ébauche");
     EXPECT_EQ(text->height(), 3.5);
+
+    // A new block takes entities at once; a name starting with '*' makes it anonymous.
+    OdDbBlockTablePtr blocks = db->getBlockTableId().safeOpenObject(OdDb::kForWrite);
+    OdDbObjectId tagged, anonymous;
+    for (const wchar_t* name : {L"TAGGED", L"*U1"}) {
+      OdDbBlockTableRecordPtr record = OdDbBlockTableRecord::createObject();
+      record->setName(name);
+      (name[0] == L'*' ? anonymous : tagged) = blocks->add(record.get());
+    }
+    const char* line =
+        "0\nLINE\n100\nAcDbEntity\n8\n0\n100\nAcDbLine\n10\n0\n20\n0\n30\n0\n11\n5\n21\n5\n31\n0\n";
+    OdDbBlockTableRecordPtr(anonymous.safeOpenObject(OdDb::kForWrite))
+        ->appendOdDbEntity(entity(line).get());
+    OdDbBlockTableRecordPtr block = tagged.safeOpenObject(OdDb::kForWrite);
+    block->appendOdDbEntity(entity(line).get());
+    OdDbAttributeDefinitionPtr definition = OdDbAttributeDefinition::createObject();
+    block->appendOdDbEntity(definition.get());
+    EXPECT_TRUE(block->hasAttributeDefinitions());
+
+    OdDbBlockReferencePtr insert = OdDbBlockReference::createObject();
+    insertId = ms->appendOdDbEntity(insert.get());
+    insert->setBlockTableRecord(tagged);
+    OdDbAttributePtr attribute;
+    for (const wchar_t* value : {L"first", L"second"}) {
+      attribute = OdDbAttribute::createObject();
+      attribute->initFromTemplate(
+          "0\nATTRIB\n100\nAcDbEntity\n8\n0\n100\nAcDbText\n10\n0\n20\n0\n30\n0\n40\n2.5\n1\n\n"
+          "100\nAcDbAttribute\n2\nTAG\n70\n0\n");
+      attribute->setTextString(value);
+      insert->appendAttribute(attribute.get());
+    }
+    // Misuse is refused with the object unchanged: a drawing's object, a bad template.
+    EXPECT_THROW(insert->appendAttribute(attribute.get()), OdError);
+    EXPECT_THROW(text->initFromTemplate(line), OdError);
+    OdDbEntityPtr fresh = entity(line);
+    for (const char* bad :
+         {"0\nLINE\nx\n1\n", "0\nLINE\n10\nnot a number\n", "8\n0\n", "0\nLINE\n8\n"})
+      EXPECT_THROW(fresh->initFromTemplate(bad), OdError) << bad;
+    EXPECT_EQ(fresh->dxfType(), OdString(L"LINE"));
   }
   testsupport::TempDir dir;
-  db->writeFile(dir.path() / "text.dxf");
+  db->writeFile(dir.path() / "new.dxf");
   auto result = dbtest::ezdxf(
       "doc = ezdxf.readfile(path)\n"
       "t = doc.modelspace().query('TEXT')[0]\n"
-      "print(t.dxf.text, tuple(t.dxf.insert), t.dxf.height, len(doc.audit().errors))\n",
-      dir.path() / "text.dxf");
+      "print(t.dxf.text, tuple(t.dxf.insert), t.dxf.height, len(doc.audit().errors))\n"
+      "i = doc.modelspace().query('INSERT')[0]\n"
+      "print(i.dxf.name, [a.dxf.text for a in i.attribs], i.seqend is not None)\n"
+      "print([(b.name, b.block.dxf.flags, len(b)) for b in doc.blocks if b.name[0] != '*' or "
+      "b.name == '*U1'])\n",
+      dir.path() / "new.dxf");
   ASSERT_EQ(result.exitCode, 0) << result.output;
-  EXPECT_NE(result.output.find("Cote 2,50 — Ébauche (10.0, -5.0, 0.0) 3.5 0"), std::string::npos)
-      << result.output;
+  EXPECT_EQ(result.output,
+            "Cote 2,50 — Ébauche (10.0, -5.0, 0.0) 3.5 0\n"
+            "TAGGED ['first', 'second'] True\n"
+            "[('TAGGED', 2, 2), ('*U1', 1, 1)]\n");
+
+  // The attributes and their SEQEND follow the insert and name it as their owner.
+  OdDbDatabasePtr back = OdDbDatabase::readFile(dir.path() / "new.dxf");
+  OdDbEntityPtr insert = back->getOdDbObjectId(insertId.getHandle()).safeOpenObject();
+  std::vector<std::string> parts;
+  for (const OdDbObjectId& id : insert->subEntityIds()) {
+    OdDbObjectPtr part = id.safeOpenObject();
+    EXPECT_EQ(part->ownerId(), insert->objectId());
+    parts.push_back(part->dxfType().toUtf8());
+  }
+  EXPECT_EQ(parts, (std::vector<std::string>{"ATTRIB", "ATTRIB", "SEQEND"}));
 }
 
 // Handles are indexed as runs of the file's order: a file listing them ascending is one
