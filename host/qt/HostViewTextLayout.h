@@ -39,5 +39,10 @@ class HostViewTextLayout {
   double advance(const QString& text, const QString& family);
 
  private:
+  // The font of `family` at a size large enough to measure with, made once.
+  const QFont& font(const QString& family);
+  // The depth of the font's descender below the baseline at cap height 1.
+  double descent(const QString& family);
+
   std::unordered_map<QString, QFont> fonts_;
 };
