@@ -5,16 +5,18 @@
 #include <cmath>
 #include <exception>
 #include <limits>
+#include <numbers>
 
 #include "HostViewTags.h"
 
 namespace {
-// Points per knot span of a curved spline: enough that a span's chords stay within a small
-// fraction of its size when drawn large. A huge spline gets fewer, down to kMinPerSpan, so
-// that one entity does not grow to millions of points.
-constexpr int kPerSpan = 16;
-constexpr int kMinPerSpan = 2;
-constexpr std::size_t kPointBudget = 8192;
+// A span is cut into chords that each turn by at most about this angle, so that a curve looks
+// round at any size; at least kMinPerSpan chords, at most kMaxPerSpan. A huge spline gets
+// fewer, down to 2, so that one entity does not grow to millions of points.
+constexpr double kChordAngle = 5.0 * std::numbers::pi / 180.0;
+constexpr int kMinPerSpan = 8;
+constexpr int kMaxPerSpan = 64;
+constexpr std::size_t kPointBudget = 16384;
 // Degrees beyond this are no drawing's; they would only make evaluation slow.
 constexpr int kMaxDegree = 32;
 
@@ -22,10 +24,23 @@ bool finite(const HostViewVec& p) {
   return std::isfinite(p.x) && std::isfinite(p.y);
 }
 
-int perSpan(std::size_t spans) {
-  if (spans == 0) return kPerSpan;
-  const std::size_t fit = kPointBudget / spans;
-  return static_cast<int>(std::clamp<std::size_t>(fit, kMinPerSpan, kPerSpan));
+// The most chords a span may have when a curve has `spans` of them.
+int chordCap(std::size_t spans) {
+  if (spans == 0) return kMaxPerSpan;
+  return static_cast<int>(std::clamp<std::size_t>(kPointBudget / spans, 2, kMaxPerSpan));
+}
+
+// The angle from direction a to direction b, 0 when either has no length.
+double turn(const HostViewVec& a, const HostViewVec& b) {
+  const double cross = a.x * b.y - a.y * b.x, dot = a.x * b.x + a.y * b.y;
+  return cross == 0 && dot == 0 ? 0.0 : std::abs(std::atan2(cross, dot));
+}
+
+// Chords for a piece of curve that turns by `angle` radians at most.
+int chordsFor(double angle, int cap) {
+  const double wanted = std::ceil(angle / kChordAngle);
+  return std::min(cap, std::max(std::min(kMinPerSpan, cap),
+                                static_cast<int>(std::min<double>(wanted, kMaxPerSpan))));
 }
 
 // A point in homogeneous form: x and y times the weight, and the weight.
@@ -81,9 +96,8 @@ std::vector<HostViewVec> HostViewSpline::nurbs(int degree, std::vector<double> k
 
   std::size_t spans = 0;
   for (std::size_t k = up; k < n; ++k) spans += knots[k] < knots[k + 1];
-  // A polyline's spans are straight: their ends are all there is.
-  const int steps = p == 1 ? 1 : perSpan(spans);
-  out.reserve(spans * static_cast<std::size_t>(steps) + 1);
+  const int cap = chordCap(spans);
+  out.reserve(spans * static_cast<std::size_t>(std::min(cap, 16)) + 1);
 
   std::array<Homogeneous, kMaxDegree + 1> d;
   auto evaluate = [&](std::size_t k, double u) {
@@ -106,6 +120,16 @@ std::vector<HostViewVec> HostViewSpline::nurbs(int degree, std::vector<double> k
   for (std::size_t k = up; k < n; ++k) {
     const double a = knots[k], b = knots[k + 1];
     if (!(a < b)) continue;
+    // The span's curve turns no more than its control polygon does. A polyline's spans are
+    // straight: their ends are all there is.
+    double angle = 0;
+    for (std::size_t i = k - up + 1; i < k; ++i) {
+      const HostViewVec& c0 = control[i - 1];
+      const HostViewVec& c1 = control[i];
+      const HostViewVec& c2 = control[i + 1];
+      angle += turn({c1.x - c0.x, c1.y - c0.y}, {c2.x - c1.x, c2.y - c1.y});
+    }
+    const int steps = p == 1 ? 1 : chordsFor(angle, cap);
     for (int s = first ? 0 : 1; s <= steps; ++s) evaluate(k, a + (b - a) * s / steps);
     first = false;
   }
@@ -167,8 +191,8 @@ std::vector<HostViewVec> HostViewSpline::throughPoints(std::vector<HostViewVec> 
       m[n - 1] = n == 2 ? c1 : HostViewVec{2 * c1.x - m[n - 2].x, 2 * c1.y - m[n - 2].y};
   }
 
-  const int steps = perSpan(segments);
-  out.reserve(segments * static_cast<std::size_t>(steps) + 1);
+  const int cap = chordCap(segments);
+  out.reserve(segments * static_cast<std::size_t>(std::min(cap, 16)) + 1);
   out.push_back(pts[0]);
   for (std::size_t i = 0; i < segments; ++i) {
     const HostViewVec& a = pts[i];
@@ -176,6 +200,8 @@ std::vector<HostViewVec> HostViewSpline::throughPoints(std::vector<HostViewVec> 
     const HostViewVec& ma = m[i];
     const HostViewVec& mb = m[(i + 1) % n];
     const double h = len[i];
+    const HostViewVec chord{b.x - a.x, b.y - a.y};
+    const int steps = chordsFor(turn(ma, chord) + turn(chord, mb), cap);
     for (int s = 1; s <= steps; ++s) {
       const double t = static_cast<double>(s) / steps, t2 = t * t, t3 = t2 * t;
       const double h00 = 2 * t3 - 3 * t2 + 1, h10 = t3 - 2 * t2 + t;
