@@ -19,17 +19,19 @@ constexpr double kLinePitch = 5.0 / 3.0;
 // Fonts are measured at this pixel size, large enough that rounding does not show.
 constexpr int kMeasureSize = 256;
 
-// An ATTRIB or MTEXT may carry an embedded object after a 101 tag, whose codes repeat the
-// entity's own: the entity's values are those before it.
+// The tags [begin, end) of an entity whose values are read. An ATTRIB or MTEXT may carry an
+// embedded object after a 101 tag, whose codes repeat the entity's own: the entity's values
+// are those before it, the embedded object's those after it.
 class OwnTags {
  public:
-  explicit OwnTags(const DxfObject& tags) : tags_(tags) {
-    const std::size_t at = tags.find(101);
-    end_ = at == DxfObject::npos ? tags.size() : at;
-  }
+  OwnTags(const DxfObject& tags, std::size_t begin, std::size_t end)
+      : tags_(tags), begin_(begin), end_(std::min(end, tags.size())) {}
+  static OwnTags entity(const DxfObject& tags) { return {tags, 0, tags.find(101)}; }
+
+  std::size_t begin() const { return begin_; }
   std::size_t end() const { return end_; }
   std::size_t find(int code) const {
-    const std::size_t at = tags_.find(code);
+    const std::size_t at = tags_.find(code, begin_);
     return at < end_ ? at : DxfObject::npos;
   }
   bool has(int code) const { return find(code) != DxfObject::npos; }
@@ -54,7 +56,7 @@ class OwnTags {
 
  private:
   const DxfObject& tags_;
-  std::size_t end_;
+  std::size_t begin_, end_;
 };
 
 // %%d, %%c, %%p and %%nnn as the characters they stand for; %%u and %%o (underline and
@@ -295,13 +297,124 @@ QString HostViewTextLayout::familyFor(const QString& fontFile) {
   return family;
 }
 
+namespace {
+// Multiline text from the tags `own`: MTEXT itself, or the text embedded in a multiline
+// attribute.
+std::vector<HostViewText> multiline(HostViewTextLayout& layout, const DxfObject& tags,
+                                    const OwnTags& own, const HostViewTextStyle& style) {
+  std::vector<HostViewText> out;
+  // The text comes in chunks: every 3 in order, then the 1.
+  QString raw;
+  for (std::size_t i = own.begin(); i < own.end(); ++i)
+    if (tags.code(i) == 3) raw += toQString(tags.text(i));
+  raw += own.text(1);
+  const QStringList paragraphs = withControlCodes(plainMText(raw)).split(QLatin1Char('\n'));
+
+  // Insertion point and direction are the drawing's own (not the plane's): into the plane.
+  const HostViewTags::Plane plane = HostViewTags::Plane::of(tags, 30);
+  double p[3] = {own.real(10, NAN), own.real(20, NAN), own.real(30, 0)};
+  if (!std::isfinite(p[0]) || !std::isfinite(p[1])) return out;
+  auto inPlane = [&](const double(&v)[3]) {
+    return HostViewVec{v[0] * plane.ax[0] + v[1] * plane.ax[1] + v[2] * plane.ax[2],
+                       v[0] * plane.ay[0] + v[1] * plane.ay[1] + v[2] * plane.ay[2]};
+  };
+  const HostViewVec insert = plane.n[2] == 1.0 ? HostViewVec{p[0], p[1]} : inPlane(p);
+  double direction = own.real(50, 0) * kPi / 180;
+  const double axis[3] = {own.real(11, 0), own.real(21, 0), own.real(31, 0)};
+  if (std::hypot(axis[0], axis[1], axis[2]) > 0) {
+    const HostViewVec d = inPlane(axis);
+    if (std::hypot(d.x, d.y) > 0) direction = std::atan2(d.y, d.x);
+  }
+
+  const double height = style.fixedHeight > 0 ? style.fixedHeight : own.real(40, 0);
+  if (!(height > 0)) return out;
+  const double widthFactor = style.widthFactor > 0 ? style.widthFactor : 1.0;
+  const double referenceWidth = own.real(41, 0);
+  double spacing = own.real(44, 1);
+  if (!(spacing > 0)) spacing = 1;
+  const double pitch = kLinePitch * height * spacing;
+  long long attachment = own.integer(71, 1);
+  if (attachment < 1 || attachment > 9) attachment = 1;
+  const long long row = (attachment - 1) / 3, column = (attachment - 1) % 3;
+
+  // Lines: paragraphs, wrapped at the reference width when it has one.
+  const double scale = height * widthFactor;
+  std::vector<std::pair<QString, double>> lines;  // text, advance in drawing units
+  const double space = layout.advance(QStringLiteral(" "), style.family) * scale;
+  for (const QString& paragraph : paragraphs) {
+    if (!(referenceWidth > 0)) {
+      lines.emplace_back(paragraph, layout.advance(paragraph, style.family) * scale);
+      continue;
+    }
+    QString current;
+    double currentWidth = 0;
+    for (const QString& word : paragraph.split(QLatin1Char(' '))) {
+      const double w = layout.advance(word, style.family) * scale;
+      if (!current.isEmpty() && currentWidth + space + w > referenceWidth) {
+        lines.emplace_back(current, currentWidth);
+        current = word;
+        currentWidth = w;
+      } else if (current.isEmpty() && currentWidth == 0) {
+        current = word;
+        currentWidth = w;
+      } else {
+        current += QLatin1Char(' ') + word;
+        currentWidth += space + w;
+      }
+    }
+    lines.emplace_back(current, currentWidth);
+  }
+
+  // The block from the top of its first line's capitals to its last baseline; its middle is
+  // the middle of that, its bottom the last line's descenders.
+  const double total = height + pitch * static_cast<double>(lines.size() - 1);
+  const double top = row == 0   ? 0
+                     : row == 1 ? total / 2
+                                : total + layout.descent(style.family) * height;
+  const double c = std::cos(direction), s = std::sin(direction);
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    const auto& [text, width] = lines[i];
+    if (text.trimmed().isEmpty()) continue;
+    const double along = column == 0 ? 0 : column == 1 ? width / 2 : width;
+    const double above = top - height - pitch * static_cast<double>(i);
+    HostViewText line;
+    line.text = text;
+    line.origin = {insert.x - along * c - above * s, insert.y - along * s + above * c};
+    line.direction = direction;
+    line.height = height;
+    line.widthFactor = widthFactor;
+    line.oblique = style.oblique;
+    line.advance = width;
+    line.family = style.family;
+    if (std::isfinite(line.origin.x) && std::isfinite(line.origin.y)) out.push_back(line);
+  }
+  return out;
+}
+}  // namespace
+
+std::vector<HostViewText> HostViewTextLayout::mtext(const DxfObject& tags,
+                                                    const HostViewTextStyle& style) {
+  try {
+    return multiline(*this, tags, OwnTags::entity(tags), style);
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
 std::vector<HostViewText> HostViewTextLayout::text(const DxfObject& tags,
                                                    const HostViewTextStyle& style) {
   std::vector<HostViewText> out;
   try {
-    const OwnTags own(tags);
+    const OwnTags own = OwnTags::entity(tags);
     const std::string_view type = tags.type();
     const bool attribute = type == "ATTRIB" || type == "ATTDEF";
+    // A multiline attribute shows the text of the object embedded in it; a definition whose
+    // embedded text is empty shows its tag, as a single line.
+    if (attribute && own.end() < tags.size()) {
+      const OwnTags embedded(tags, own.end() + 1, tags.size());
+      out = multiline(*this, tags, embedded, style);
+      if (!out.empty()) return out;
+    }
     QString raw = own.text(1);
     // A definition without a default value shows its tag.
     if (type == "ATTDEF" && raw.isEmpty()) raw = own.text(2);
@@ -361,99 +474,6 @@ std::vector<HostViewText> HostViewTextLayout::text(const DxfObject& tags,
     if (std::isfinite(line.origin.x) && std::isfinite(line.origin.y) && std::isfinite(height) &&
         std::isfinite(width))
       out.push_back(std::move(line));
-  } catch (const std::exception&) {
-    out.clear();
-  }
-  return out;
-}
-
-std::vector<HostViewText> HostViewTextLayout::mtext(const DxfObject& tags,
-                                                    const HostViewTextStyle& style) {
-  std::vector<HostViewText> out;
-  try {
-    const OwnTags own(tags);
-    // The text comes in chunks: every 3 in order, then the 1.
-    QString raw;
-    for (std::size_t i = 0; i < own.end(); ++i)
-      if (tags.code(i) == 3) raw += toQString(tags.text(i));
-    raw += own.text(1);
-    const QStringList paragraphs = withControlCodes(plainMText(raw)).split(QLatin1Char('\n'));
-
-    // Insertion point and direction are the drawing's own (not the plane's): into the plane.
-    const HostViewTags::Plane plane = HostViewTags::Plane::of(tags, 30);
-    double p[3] = {own.real(10, NAN), own.real(20, NAN), own.real(30, 0)};
-    if (!std::isfinite(p[0]) || !std::isfinite(p[1])) return out;
-    auto inPlane = [&](const double(&v)[3]) {
-      return HostViewVec{v[0] * plane.ax[0] + v[1] * plane.ax[1] + v[2] * plane.ax[2],
-                         v[0] * plane.ay[0] + v[1] * plane.ay[1] + v[2] * plane.ay[2]};
-    };
-    const HostViewVec insert = plane.n[2] == 1.0 ? HostViewVec{p[0], p[1]} : inPlane(p);
-    double direction = own.real(50, 0) * kPi / 180;
-    const double axis[3] = {own.real(11, 0), own.real(21, 0), own.real(31, 0)};
-    if (std::hypot(axis[0], axis[1], axis[2]) > 0) {
-      const HostViewVec d = inPlane(axis);
-      if (std::hypot(d.x, d.y) > 0) direction = std::atan2(d.y, d.x);
-    }
-
-    const double height = style.fixedHeight > 0 ? style.fixedHeight : own.real(40, 0);
-    if (!(height > 0)) return out;
-    const double widthFactor = style.widthFactor > 0 ? style.widthFactor : 1.0;
-    const double referenceWidth = own.real(41, 0);
-    double spacing = own.real(44, 1);
-    if (!(spacing > 0)) spacing = 1;
-    const double pitch = kLinePitch * height * spacing;
-    long long attachment = own.integer(71, 1);
-    if (attachment < 1 || attachment > 9) attachment = 1;
-    const long long row = (attachment - 1) / 3, column = (attachment - 1) % 3;
-
-    // Lines: paragraphs, wrapped at the reference width when it has one.
-    const double scale = height * widthFactor;
-    std::vector<std::pair<QString, double>> lines;  // text, advance in drawing units
-    const double space = advance(QStringLiteral(" "), style.family) * scale;
-    for (const QString& paragraph : paragraphs) {
-      if (!(referenceWidth > 0)) {
-        lines.emplace_back(paragraph, advance(paragraph, style.family) * scale);
-        continue;
-      }
-      QString current;
-      double currentWidth = 0;
-      for (const QString& word : paragraph.split(QLatin1Char(' '))) {
-        const double w = advance(word, style.family) * scale;
-        if (!current.isEmpty() && currentWidth + space + w > referenceWidth) {
-          lines.emplace_back(current, currentWidth);
-          current = word;
-          currentWidth = w;
-        } else if (current.isEmpty() && currentWidth == 0) {
-          current = word;
-          currentWidth = w;
-        } else {
-          current += QLatin1Char(' ') + word;
-          currentWidth += space + w;
-        }
-      }
-      lines.emplace_back(current, currentWidth);
-    }
-
-    // The block from the top of its first line's capitals to its last baseline.
-    const double total = height + pitch * static_cast<double>(lines.size() - 1);
-    const double top = row == 0 ? 0 : row == 1 ? total / 2 : total;
-    const double c = std::cos(direction), s = std::sin(direction);
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-      const auto& [text, width] = lines[i];
-      if (text.trimmed().isEmpty()) continue;
-      const double along = column == 0 ? 0 : column == 1 ? width / 2 : width;
-      const double above = top - height - pitch * static_cast<double>(i);
-      HostViewText line;
-      line.text = text;
-      line.origin = {insert.x - along * c - above * s, insert.y - along * s + above * c};
-      line.direction = direction;
-      line.height = height;
-      line.widthFactor = widthFactor;
-      line.oblique = style.oblique;
-      line.advance = width;
-      line.family = style.family;
-      if (std::isfinite(line.origin.x) && std::isfinite(line.origin.y)) out.push_back(line);
-    }
   } catch (const std::exception&) {
     out.clear();
   }

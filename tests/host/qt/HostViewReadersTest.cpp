@@ -367,6 +367,8 @@ void HostViewReadersTest::textIsPlacedByItsAlignment() {
       "74 | 3",
       "ATTDEF | 10 | 0 | 20 | 0 | 40 | 2 | 1 |  | 3 | Prompt | 2 | TAG | 70 | 0",
       "TEXT | 10 | 1 | 20 | 2 | 40 | 2.5 | 41 | 0.5 | 1 | Left",
+      R"(ATTRIB | 10 | 0 | 20 | 0 | 40 | 2 | 1 |  | 2 | TAG | 70 | 0 | 74 | 3 | 101 | Embedded )"
+      R"(Object | 10 | 5 | 20 | 6 | 40 | 2 | 71 | 1 | 1 | two\Plines)",
   });
   HostViewTextLayout layout;
   const QString family = HostViewTextLayout::familyFor(QStringLiteral("DejaVuSans.ttf"));
@@ -407,6 +409,11 @@ void HostViewReadersTest::textIsPlacedByItsAlignment() {
   QCOMPARE(one(7, style).text, QString::fromUtf8("45° ⌀10 ±1 100% U A %%z"));
   QVERIFY_NEAR(one(8, style).origin.y, 78.0, 1e-12);  // 74 is an attribute's vertical
   QCOMPARE(one(9, style).text, QStringLiteral("TAG"));
+  // A multiline attribute shows the text embedded in it.
+  const std::vector<HostViewText> embedded = layout.text(d[11], style);
+  QCOMPARE(embedded.size(), std::size_t(2));
+  QCOMPARE(embedded[1].text, QStringLiteral("lines"));
+  QVERIFY_NEAR(embedded[0].origin.y, 4.0, 1e-12);
 
   // A style's fixed height wins; its width factor counts where the text gives none.
   const HostViewTextStyle fixed{family, 0.8, 0.25, 5.0};
@@ -462,13 +469,15 @@ void HostViewReadersTest::multilineTextLosesItsCodesAndKeepsItsBlock() {
   QVERIFY_NEAR(lines[0].origin.y, -1.0, 1e-12);
 
   // Wrapped word by word, turned a quarter by its direction, lines twice as far apart, the
-  // last baseline on the insertion point (bottom left).
+  // last line's descenders on the insertion point (bottom left).
   lines = layout.mtext(d[2], style);
   QCOMPARE(lines.size(), std::size_t(3));
   QCOMPARE(lines[2].text, QStringLiteral("ww"));
+  const double descent = layout.descent(family);
+  QVERIFY(descent > 0.1 && descent < 0.5);
   for (std::size_t i = 0; i < 3; ++i) {
     QVERIFY_NEAR(lines[i].direction, kPi / 2, 1e-12);
-    QVERIFY_NEAR(lines[i].origin.x, -(2.0 - static_cast<double>(i)) * 10 / 3, 1e-9);
+    QVERIFY_NEAR(lines[i].origin.x, -(2.0 - static_cast<double>(i)) * 10 / 3 - descent, 1e-9);
     QVERIFY_NEAR(lines[i].origin.y, 0.0, 1e-9);
   }
   QVERIFY(layout.mtext(d[3], style).empty());
