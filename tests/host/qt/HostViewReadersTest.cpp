@@ -164,6 +164,7 @@ class HostViewReadersTest : public QObject {
   void splinesFollowTheirControlPoints();
   void splinesAgreeWithTheReference();
   void hatchBoundariesAreClosedRings();
+  void hatchExtentsAgreeWithTheReference();
   void textIsPlacedByItsAlignment();
   void multilineTextLosesItsCodesAndKeepsItsBlock();
   void brokenTagsGiveNothingWithoutACrash();
@@ -350,6 +351,65 @@ p.add_line((0, 30), (15, 30))
   painter.end();
   fs::create_directories("/tmp/staudit-qt-shots");
   image.save("/tmp/staudit-qt-shots/view-hatches.png");
+}
+
+void HostViewReadersTest::hatchExtentsAgreeWithTheReference() {
+  const fs::path corpus = testsupport::corpusDir();
+  if (corpus.empty()) QSKIP("the shared corpus of drawings is absent");
+  // Polyline paths with bulges, edge paths of every kind in both turning directions, hatches
+  // in blocks; flat ones only, where the plane's coordinates are the drawing's.
+  const char* const script = R"(
+from ezdxf import path as paths
+doc = ezdxf.readfile(path)
+for e in doc.entitydb.values():
+    if e.dxftype() != 'HATCH' or not e.dxf.extrusion.isclose((0, 0, 1)): continue
+    try:
+        pts = [v for p in paths.from_hatch(e) for v in p.flattening(1e-4)]
+    except Exception:
+        continue
+    if pts:
+        print(e.dxf.handle, min(v.x for v in pts), min(v.y for v in pts),
+              max(v.x for v in pts), max(v.y for v in pts))
+)";
+  std::size_t compared = 0;
+  for (const char* name :
+       {"r2010_qcad_example00_hatch_spline.dxf", "r2018_godxf_test_hatch.dxf",
+        "r2000_zcad_cyrillic_cp1251_48layers.dxf", "r2013_viewerex_chinese_utf8_landscape.dxf",
+        "r2007_godxf_texts_in_block.dxf", "r14_dxf2gcode_uap212718_33layers.dxf",
+        "r2018_acsharp_sample_ascii.dxf"}) {
+    const auto out = testsupport::ezdxf(script, corpus / name);
+    std::map<std::uint64_t, HostViewBox> theirs;
+    std::istringstream lines(out.output);
+    for (std::string line; std::getline(lines, line);) {
+      std::istringstream in(line);
+      std::string handle;
+      HostViewBox box;
+      if (in >> handle >> box.minX >> box.minY >> box.maxX >> box.maxY)
+        theirs[std::stoull(handle, nullptr, 16)] = box;
+    }
+    QVERIFY2(!theirs.empty(), (name + (": " + out.output)).c_str());
+    std::unique_ptr<DxfDocument> doc = DxfReader::readFile(corpus / name);
+    doc->forEachObject([&](const DxfObject& tags) {
+      auto found = theirs.find(tags.handle());
+      if (tags.type() != "HATCH" || found == theirs.end()) return;
+      HostViewHatch::Boundary b;
+      HostViewBox mine;
+      if (HostViewHatch::read(tags, b))
+        for (const Points& ring : b.rings) mine.add(boxOf(ring));
+      const HostViewBox& box = found->second;
+      const double slack = 2e-3 * std::max({box.width(), box.height(), 1e-9});
+      const bool same =
+          std::abs(mine.minX - box.minX) <= slack && std::abs(mine.minY - box.minY) <= slack &&
+          std::abs(mine.maxX - box.maxX) <= slack && std::abs(mine.maxY - box.maxY) <= slack;
+      if (!same)
+        qWarning("%s hatch %llX: %g %g %g %g, reference %g %g %g %g", name,
+                 static_cast<unsigned long long>(tags.handle()), mine.minX, mine.minY, mine.maxX,
+                 mine.maxY, box.minX, box.minY, box.maxX, box.maxY);
+      QVERIFY(same);
+      ++compared;
+    });
+  }
+  QVERIFY(compared > 100);
 }
 
 void HostViewReadersTest::textIsPlacedByItsAlignment() {
