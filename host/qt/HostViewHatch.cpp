@@ -300,7 +300,8 @@ bool HostViewHatch::read(const DxfObject& tags, Boundary& out) {
   out = Boundary();
   try {
     const std::size_t countAt = tags.find(91);
-    const std::size_t solidAt = tags.find(70);
+    // A hatch says solid in 70; an MPOLYGON has its version there and says it in 71.
+    const std::size_t solidAt = tags.find(tags.type() == "MPOLYGON" ? 71 : 70);
     out.solid = solidAt != DxfObject::npos && (countAt == DxfObject::npos || solidAt < countAt) &&
                 tags.integer(solidAt) == 1;
     const std::size_t nameAt = tags.find(2);

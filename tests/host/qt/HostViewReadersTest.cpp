@@ -350,7 +350,7 @@ p.add_line((0, 30), (15, 30))
   }
   painter.end();
   fs::create_directories("/tmp/staudit-qt-shots");
-  image.save("/tmp/staudit-qt-shots/view-hatches.png");
+  image.save("/tmp/staudit-qt-shots/readers-hatches.png");
 }
 
 void HostViewReadersTest::hatchExtentsAgreeWithTheReference() {
@@ -583,6 +583,9 @@ void HostViewReadersTest::brokenTagsGiveNothingWithoutACrash() {
       R"(MTEXT | 10 | 0 | 20 | 0 | 40 | 1 | 1 | c\)",
       "MTEXT | 10 | 0 | 20 | 0 | 40 | nan | 1 | d",
       "MTEXT | 10 | 0 | 20 | 0 | 40 | 1 | 71 | 42 | 1 | e",
+      // A polygon with its version where a hatch says solid: not solid.
+      "MPOLYGON | 70 | 1 | 2 | X | 71 | 0 | 91 | 1 | 92 | 2 | 72 | 0 | 73 | 1 | 93 | 3 | 10 | 0 | "
+      "20 | 0 | 10 | 4 | 20 | 0 | 10 | 4 | 20 | 3",
   });
   for (std::size_t i = 0; i < 7; ++i)
     QVERIFY2(HostViewSpline::points(d[i]).empty(), qPrintable(QString::number(i)));
@@ -595,6 +598,8 @@ void HostViewReadersTest::brokenTagsGiveNothingWithoutACrash() {
   QCOMPARE(b.rings.size(), std::size_t(1));
   QVERIFY_NEAR(area(b.rings[0]), 6.0, 1e-12);
   QVERIFY(!HostViewHatch::read(d[10], b));
+  QVERIFY(HostViewHatch::read(d[20], b));
+  QVERIFY(!b.solid && b.rings.size() == 1);
 
   HostViewTextLayout layout;
   const HostViewTextStyle style;
