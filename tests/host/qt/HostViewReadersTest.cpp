@@ -3,9 +3,6 @@
 // text placed by their alignment, broken tags, and every such entity of the corpus.
 
 #include <QFontInfo>
-#include <QImage>
-#include <QPainter>
-#include <QPainterPath>
 #include <QTest>
 #include <algorithm>
 #include <cmath>
@@ -328,29 +325,6 @@ p.add_line((0, 30), (15, 30))
   QVERIFY_NEAR(boxOf(b.rings[1]).maxY, 25.0, 1e-9);
   QVERIFY_NEAR(boxOf(b.rings[2]).maxY, 37.5, 1e-9);
   QVERIFY_NEAR(area(b.rings[2]), 75.0, 5e-3);  // x = 15 t, y = 30 + 30 t (1 - t)
-
-  // A picture to look at: every ring filled odd-even.
-  QImage image(400, 300, QImage::Format_RGB32);
-  image.fill(Qt::white);
-  QPainter painter(&image);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setTransform(QTransform(5, 0, 0, -5, 20, 280));
-  for (std::size_t i = 0; i < 3; ++i) {
-    HostViewHatch::read(d[i], b);
-    QPainterPath path;
-    path.setFillRule(Qt::OddEvenFill);
-    for (const Points& ring : b.rings) {
-      QPolygonF polygon;
-      for (const HostViewVec& p : ring) polygon << QPointF(p.x, p.y);
-      path.addPolygon(polygon);
-      path.closeSubpath();
-    }
-    painter.fillPath(path, QColor::fromHsv(static_cast<int>(i) * 100, 160, 220));
-    painter.strokePath(path, QPen(Qt::black, 0));
-  }
-  painter.end();
-  fs::create_directories("/tmp/staudit-qt-shots");
-  image.save("/tmp/staudit-qt-shots/readers-hatches.png");
 }
 
 void HostViewReadersTest::hatchExtentsAgreeWithTheReference() {
@@ -511,6 +485,7 @@ void HostViewReadersTest::multilineTextLosesItsCodesAndKeepsItsBlock() {
       "MTEXT | 10 | 0 | 20 | 0 | 40 | 1 | 41 | " + std::to_string(width) +
           " | 44 | 2 | 11 | 0 | 21 | 1 | 31 | 0 | 71 | 7 | 1 | www www ww",
       "MTEXT | 10 | 0 | 20 | 0 | 40 | 1 | 1 | ",
+      "MTEXT | 10 | 10 | 20 | 5 | 40 | 1 | 11 | -1 | 21 | 0 | 210 | 0 | 220 | 0 | 230 | -1 | 1 | m",
   });
 
   // Middle centre: each line centred on the insertion point, the block's middle on it.
@@ -541,6 +516,12 @@ void HostViewReadersTest::multilineTextLosesItsCodesAndKeepsItsBlock() {
     QVERIFY_NEAR(lines[i].origin.y, 0.0, 1e-9);
   }
   QVERIFY(layout.mtext(d[3], style).empty());
+  // Seen from below: the drawing's x is the plane's -x, and so is the text's direction.
+  lines = layout.mtext(d[4], style);
+  QCOMPARE(lines.size(), std::size_t(1));
+  QVERIFY_NEAR(lines[0].origin.x, -10.0, 1e-12);
+  QVERIFY_NEAR(lines[0].origin.y, 4.0, 1e-12);
+  QVERIFY_NEAR(lines[0].direction, 0.0, 1e-12);
 }
 
 void HostViewReadersTest::brokenTagsGiveNothingWithoutACrash() {
