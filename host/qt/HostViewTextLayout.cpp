@@ -299,9 +299,10 @@ QString HostViewTextLayout::familyFor(const QString& fontFile) {
 
 namespace {
 // Multiline text from the tags `own`: MTEXT itself, or the text embedded in a multiline
-// attribute.
+// attribute. In the drawing's coordinates seen from above, or `inPlane`, in the plane's.
 std::vector<HostViewText> multiline(HostViewTextLayout& layout, const DxfObject& tags,
-                                    const OwnTags& own, const HostViewTextStyle& style) {
+                                    const OwnTags& own, const HostViewTextStyle& style,
+                                    bool inPlane) {
   std::vector<HostViewText> out;
   // The text comes in chunks: every 3 in order, then the 1.
   QString raw;
@@ -310,21 +311,31 @@ std::vector<HostViewText> multiline(HostViewTextLayout& layout, const DxfObject&
   raw += own.text(1);
   const QStringList paragraphs = withControlCodes(plainMText(raw)).split(QLatin1Char('\n'));
 
-  // Insertion point and direction are the drawing's own (not the plane's): into the plane.
+  // The insertion point and the x-axis direction (11/21/31) are the drawing's coordinates;
+  // without a direction, 50 turns the plane's x axis. Lines stack along the plane's normal
+  // crossed with that direction: downwards as read, whichever side the plane is seen from.
   const HostViewTags::Plane plane = HostViewTags::Plane::of(tags, 30);
-  double p[3] = {own.real(10, NAN), own.real(20, NAN), own.real(30, 0)};
-  if (!std::isfinite(p[0]) || !std::isfinite(p[1])) return out;
-  auto inPlane = [&](const double(&v)[3]) {
+  const double insert[3] = {own.real(10, NAN), own.real(20, NAN), own.real(30, 0)};
+  if (!std::isfinite(insert[0]) || !std::isfinite(insert[1])) return out;
+  const double rotation = own.real(50, 0) * kPi / 180;
+  double x[3], axis[3] = {own.real(11, 0), own.real(21, 0), own.real(31, 0)};
+  for (int i = 0; i < 3; ++i)
+    x[i] = std::cos(rotation) * plane.ax[i] + std::sin(rotation) * plane.ay[i];
+  const double off = axis[0] * plane.n[0] + axis[1] * plane.n[1] + axis[2] * plane.n[2];
+  for (int i = 0; i < 3; ++i) axis[i] -= off * plane.n[i];  // only its part in the plane
+  const double length = std::hypot(axis[0], axis[1], axis[2]);
+  if (length > 1e-12)
+    for (int i = 0; i < 3; ++i) x[i] = axis[i] / length;
+  const double y[3] = {plane.n[1] * x[2] - plane.n[2] * x[1], plane.n[2] * x[0] - plane.n[0] * x[2],
+                       plane.n[0] * x[1] - plane.n[1] * x[0]};
+  // Where the lines go, in the coordinates asked for.
+  auto project = [&](const double(&v)[3]) {
+    if (!inPlane) return HostViewVec{v[0], v[1]};
     return HostViewVec{v[0] * plane.ax[0] + v[1] * plane.ax[1] + v[2] * plane.ax[2],
                        v[0] * plane.ay[0] + v[1] * plane.ay[1] + v[2] * plane.ay[2]};
   };
-  const HostViewVec insert = plane.n[2] == 1.0 ? HostViewVec{p[0], p[1]} : inPlane(p);
-  double direction = own.real(50, 0) * kPi / 180;
-  const double axis[3] = {own.real(11, 0), own.real(21, 0), own.real(31, 0)};
-  if (std::hypot(axis[0], axis[1], axis[2]) > 0) {
-    const HostViewVec d = inPlane(axis);
-    if (std::hypot(d.x, d.y) > 0) direction = std::atan2(d.y, d.x);
-  }
+  const HostViewVec at = project(insert), along = project(x), up = project(y);
+  const double direction = std::hypot(along.x, along.y) > 0 ? std::atan2(along.y, along.x) : 0.0;
 
   const double height = style.fixedHeight > 0 ? style.fixedHeight : own.real(40, 0);
   if (!(height > 0)) return out;
@@ -371,15 +382,14 @@ std::vector<HostViewText> multiline(HostViewTextLayout& layout, const DxfObject&
   const double top = row == 0   ? 0
                      : row == 1 ? total / 2
                                 : total + layout.descent(style.family) * height;
-  const double c = std::cos(direction), s = std::sin(direction);
   for (std::size_t i = 0; i < lines.size(); ++i) {
     const auto& [text, width] = lines[i];
     if (text.trimmed().isEmpty()) continue;
-    const double along = column == 0 ? 0 : column == 1 ? width / 2 : width;
+    const double back = column == 0 ? 0 : column == 1 ? width / 2 : width;
     const double above = top - height - pitch * static_cast<double>(i);
     HostViewText line;
     line.text = text;
-    line.origin = {insert.x - along * c - above * s, insert.y - along * s + above * c};
+    line.origin = {at.x - back * along.x + above * up.x, at.y - back * along.y + above * up.y};
     line.direction = direction;
     line.height = height;
     line.widthFactor = widthFactor;
@@ -395,7 +405,7 @@ std::vector<HostViewText> multiline(HostViewTextLayout& layout, const DxfObject&
 std::vector<HostViewText> HostViewTextLayout::mtext(const DxfObject& tags,
                                                     const HostViewTextStyle& style) {
   try {
-    return multiline(*this, tags, OwnTags::entity(tags), style);
+    return multiline(*this, tags, OwnTags::entity(tags), style, false);
   } catch (const std::exception&) {
     return {};
   }
@@ -412,7 +422,7 @@ std::vector<HostViewText> HostViewTextLayout::text(const DxfObject& tags,
     // embedded text is empty shows its tag, as a single line.
     if (attribute && own.end() < tags.size()) {
       const OwnTags embedded(tags, own.end() + 1, tags.size());
-      out = multiline(*this, tags, embedded, style);
+      out = multiline(*this, tags, embedded, style, true);
       if (!out.empty()) return out;
     }
     QString raw = own.text(1);

@@ -17,8 +17,10 @@ struct HostViewTextStyle {
   double fixedHeight = 0;  // 40; 0 when the style leaves the height to the text
 };
 
-// Lays TEXT, ATTRIB, ATTDEF and MTEXT entities out as lines of HostViewText, in the entity's
-// own plane (the caller maps them by the extrusion): the text (control codes such as %%d, %%c,
+// Lays TEXT, ATTRIB, ATTDEF and MTEXT entities out as lines of HostViewText: TEXT and
+// attributes in the entity's own plane (the caller maps them by the extrusion), MTEXT in the
+// drawing's coordinates seen from above (it is written in them). The text (control codes such as
+// %%d, %%c,
 // %%p and %%u turned into what they show, MTEXT formatting codes removed, \P and line breaks
 // splitting lines), its height (the style's fixed height when it has one), width factor and
 // obliquing (the text's own 41 and 51 when it gives them, else the style's), rotation and
@@ -31,11 +33,12 @@ class HostViewTextLayout {
  public:
   // TEXT, ATTRIB, ATTDEF (the ATTDEF's default value is laid out, its tag when it has none;
   // ATTRIB and ATTDEF read their vertical alignment from 74). A multiline attribute (an
-  // embedded object after 101) is laid out from its embedded text as multiline text is.
+  // embedded object after 101) is laid out from its embedded text as MTEXT is, and comes back
+  // in its plane too.
   std::vector<HostViewText> text(const DxfObject& tags, const HostViewTextStyle& style);
-  // MTEXT. Its insertion point (10/20/30) and x-axis direction (11/21/31) are the drawing's
-  // coordinates; they are turned into the plane's here, so that every line comes back in
-  // the plane as TEXT's do.
+  // MTEXT, and the embedded text of multiline attributes: its insertion point (10/20/30) and
+  // x-axis direction (11/21/31) are the drawing's coordinates, and so are the lines' origins
+  // and directions (z dropped); the caller does not map them.
   std::vector<HostViewText> mtext(const DxfObject& tags, const HostViewTextStyle& style);
 
   // The font family to draw a style's font file with: a font installed on this system whose

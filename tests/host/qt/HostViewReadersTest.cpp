@@ -403,6 +403,8 @@ void HostViewReadersTest::textIsPlacedByItsAlignment() {
       "TEXT | 10 | 1 | 20 | 2 | 40 | 2.5 | 41 | 0.5 | 1 | Left",
       R"(ATTRIB | 10 | 0 | 20 | 0 | 40 | 2 | 1 |  | 2 | TAG | 70 | 0 | 74 | 3 | 101 | Embedded )"
       R"(Object | 10 | 5 | 20 | 6 | 40 | 2 | 71 | 1 | 1 | two\Plines)",
+      R"(ATTRIB | 10 | 0 | 20 | 0 | 40 | 2 | 1 |  | 2 | TAG | 70 | 0 | 230 | -1 | 101 | Embedded )"
+      R"(Object | 10 | 5 | 20 | 6 | 40 | 2 | 71 | 1 | 1 | below)",
   });
   HostViewTextLayout layout;
   const QString family = HostViewTextLayout::familyFor(QStringLiteral("DejaVuSans.ttf"));
@@ -448,6 +450,7 @@ void HostViewReadersTest::textIsPlacedByItsAlignment() {
   QCOMPARE(embedded.size(), std::size_t(2));
   QCOMPARE(embedded[1].text, QStringLiteral("lines"));
   QVERIFY_NEAR(embedded[0].origin.y, 4.0, 1e-12);
+  QVERIFY_NEAR(one(12, style).origin.x, -5.0, 1e-12);  // in its plane, seen from below
 
   // A style's fixed height wins; its width factor counts where the text gives none.
   const HostViewTextStyle fixed{family, 0.8, 0.25, 5.0};
@@ -516,12 +519,12 @@ void HostViewReadersTest::multilineTextLosesItsCodesAndKeepsItsBlock() {
     QVERIFY_NEAR(lines[i].origin.y, 0.0, 1e-9);
   }
   QVERIFY(layout.mtext(d[3], style).empty());
-  // Seen from below: the drawing's x is the plane's -x, and so is the text's direction.
+  // Seen from below, in the drawing's coordinates: along its direction, lines stacked down.
   lines = layout.mtext(d[4], style);
   QCOMPARE(lines.size(), std::size_t(1));
-  QVERIFY_NEAR(lines[0].origin.x, -10.0, 1e-12);
+  QVERIFY_NEAR(lines[0].origin.x, 10.0, 1e-12);
   QVERIFY_NEAR(lines[0].origin.y, 4.0, 1e-12);
-  QVERIFY_NEAR(lines[0].direction, 0.0, 1e-12);
+  QVERIFY_NEAR(lines[0].direction, kPi, 1e-12);
 }
 
 void HostViewReadersTest::brokenTagsGiveNothingWithoutACrash() {
