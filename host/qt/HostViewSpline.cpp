@@ -162,18 +162,27 @@ std::vector<HostViewVec> HostViewSpline::throughPoints(std::vector<HostViewVec> 
   }
   if (closed && !(len[n - 1] > 0)) return out;
 
-  // Tangents per unit of chord length: at an inner point the chord directions on either side
-  // weighted by the other side's length (a parabola through the three points).
+  // Tangents per unit of chord length, so that the pieces of cubic between the points join
+  // with equal slope and curvature (a C2 spline over chord lengths, as drawing programs fit
+  // one). Open: an end leaves along its given tangent, or bends no more than it must (no
+  // curvature there). Each inner point i gives
+  //   len[i] m[i-1] + 2 (len[i-1] + len[i]) m[i] + len[i-1] m[i+1]
+  //     = 3 (len[i] (p[i] - p[i-1]) / len[i-1] + len[i-1] (p[i+1] - p[i]) / len[i]),
+  // a tridiagonal system solved in one sweep. Closed: each point takes the parabola through
+  // its neighbours, which is smooth enough for a loop.
   std::vector<HostViewVec> m(n);
-  auto inner = [&](std::size_t prev, std::size_t i, std::size_t next, double h0, double h1) {
-    const HostViewVec d0{(pts[i].x - pts[prev].x) / h0, (pts[i].y - pts[prev].y) / h0};
-    const HostViewVec d1{(pts[next].x - pts[i].x) / h1, (pts[next].y - pts[i].y) / h1};
-    m[i] = {(h1 * d0.x + h0 * d1.x) / (h0 + h1), (h1 * d0.y + h0 * d1.y) / (h0 + h1)};
+  auto chordSlope = [&](std::size_t i) {  // (p[i+1] - p[i]) / len[i]
+    const HostViewVec& a = pts[i];
+    const HostViewVec& b = pts[(i + 1) % n];
+    return HostViewVec{(b.x - a.x) / len[i], (b.y - a.y) / len[i]};
   };
-  for (std::size_t i = 1; i + 1 < n; ++i) inner(i - 1, i, i + 1, len[i - 1], len[i]);
   if (closed) {
-    inner(n - 1, 0, 1, len[n - 1], len[0]);
-    inner(n - 2, n - 1, 0, len[n - 2], len[n - 1]);
+    for (std::size_t i = 0; i < n; ++i) {
+      const std::size_t prev = (i + n - 1) % n;
+      const double h0 = len[prev], h1 = len[i];
+      const HostViewVec d0 = chordSlope(prev), d1 = chordSlope(i);
+      m[i] = {(h1 * d0.x + h0 * d1.x) / (h0 + h1), (h1 * d0.y + h0 * d1.y) / (h0 + h1)};
+    }
   } else {
     auto unit = [](const HostViewVec* t, HostViewVec& into) {
       if (!t || !finite(*t)) return false;
@@ -182,13 +191,32 @@ std::vector<HostViewVec> HostViewSpline::throughPoints(std::vector<HostViewVec> 
       into = {t->x / l, t->y / l};
       return true;
     };
-    const HostViewVec c0{(pts[1].x - pts[0].x) / len[0], (pts[1].y - pts[0].y) / len[0]};
-    const HostViewVec c1{(pts[n - 1].x - pts[n - 2].x) / len[n - 2],
-                         (pts[n - 1].y - pts[n - 2].y) / len[n - 2]};
-    if (!unit(startTangent, m[0]))
-      m[0] = n == 2 ? c0 : HostViewVec{2 * c0.x - m[1].x, 2 * c0.y - m[1].y};
-    if (!unit(endTangent, m[n - 1]))
-      m[n - 1] = n == 2 ? c1 : HostViewVec{2 * c1.x - m[n - 2].x, 2 * c1.y - m[n - 2].y};
+    // Row i: lower[i] m[i-1] + diagonal[i] m[i] + upper[i] m[i+1] = m[i] on the right.
+    std::vector<double> lower(n, 0), diagonal(n, 1), upper(n, 0);
+    if (!unit(startTangent, m[0])) {
+      const HostViewVec c = chordSlope(0);
+      diagonal[0] = 2, upper[0] = 1, m[0] = {3 * c.x, 3 * c.y};
+    }
+    if (!unit(endTangent, m[n - 1])) {
+      const HostViewVec c = chordSlope(n - 2);
+      diagonal[n - 1] = 2, lower[n - 1] = 1, m[n - 1] = {3 * c.x, 3 * c.y};
+    }
+    for (std::size_t i = 1; i + 1 < n; ++i) {
+      const double h0 = len[i - 1], h1 = len[i];
+      const HostViewVec d0 = chordSlope(i - 1), d1 = chordSlope(i);
+      lower[i] = h1, diagonal[i] = 2 * (h0 + h1), upper[i] = h0;
+      m[i] = {3 * (h1 * d0.x + h0 * d1.x), 3 * (h1 * d0.y + h0 * d1.y)};
+    }
+    // Forward elimination, then back substitution; the rows dominate their diagonals.
+    for (std::size_t i = 1; i < n; ++i) {
+      const double f = lower[i] / diagonal[i - 1];
+      diagonal[i] -= f * upper[i - 1];
+      m[i] = {m[i].x - f * m[i - 1].x, m[i].y - f * m[i - 1].y};
+    }
+    m[n - 1] = {m[n - 1].x / diagonal[n - 1], m[n - 1].y / diagonal[n - 1]};
+    for (std::size_t i = n - 1; i-- > 0;)
+      m[i] = {(m[i].x - upper[i] * m[i + 1].x) / diagonal[i],
+              (m[i].y - upper[i] * m[i + 1].y) / diagonal[i]};
   }
 
   const int cap = chordCap(segments);
