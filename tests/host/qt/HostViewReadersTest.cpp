@@ -305,8 +305,9 @@ p = h.paths.add_edge_path()
 p.add_ellipse((50, 20), (10, 0), 0.5, 0, 180, ccw=False)
 p.add_line((60, 20), (40, 20))
 p = h.paths.add_edge_path()
-p.add_spline(control_points=[(0, 30), (5, 40), (10, 40), (15, 30)])
-p.add_line((0, 30), (15, 30))
+p.add_line((15, 30), (0, 30))
+p.add_spline(control_points=[(0, 30), (5, 40), (10, 40), (15, 30)],
+             fit_points=[(0, 30), (7.5, 37.5), (15, 30)])
 )");
   QCOMPARE(d.objects.size(), std::size_t(3));
   HostViewHatch::Boundary b;
@@ -326,7 +327,8 @@ p.add_line((0, 30), (15, 30))
   QVERIFY_NEAR(boxOf(b.rings[0]).maxX, 15.0, 1e-9);
   QVERIFY(distanceToPolyline({5, 5}, b.rings[0]) < 1e-9);
 
-  // Half ellipses, the clockwise one over its top; a spline edge closed by a line.
+  // Half ellipses, the clockwise one over its top; a line closed by a spline edge that
+  // carries fit data, which the path's count of source objects follows.
   QVERIFY(HostViewHatch::read(d[2], b));
   QCOMPARE(b.rings.size(), std::size_t(3));
   QVERIFY_NEAR(area(b.rings[0]), kPi * 25, 2e-3);
