@@ -28,7 +28,7 @@
 #include "HostQtCommandLine.h"
 #include "HostQtFront.h"
 #include "HostSilentCheck.h"
-#include "OdDbLayerTableRecord.h"
+#include "OdDbEntity.h"
 #include "OdDbSymbolTable.h"
 
 namespace {
@@ -125,6 +125,7 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
   commandLine_->input()->setFocus();
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 DesktopWindow::~DesktopWindow() {
@@ -407,6 +408,7 @@ void DesktopWindow::onDocumentBecameCurrent(HostDocument* doc) {
   }
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 void DesktopWindow::onDocumentClosing(HostDocument* doc) {
@@ -431,6 +433,7 @@ void DesktopWindow::onDocumentRenamed(HostDocument* doc, const OdString&) {
 void DesktopWindow::onNoDocumentCurrent() {
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 void DesktopWindow::afterCommand(const OdString&) {
@@ -439,6 +442,7 @@ void DesktopWindow::afterCommand(const OdString&) {
     if (auto* view = qobject_cast<HostDrawingView*>(tabs_->widget(i))) view->selectionChanged();
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 bool DesktopWindow::askToSaveAll() {
