@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <exception>
+#include <limits>
 
 #include "DxfObject.h"
 #include "HostViewEntityReader.h"
@@ -29,6 +30,13 @@ struct Mark {
   }
   std::size_t points, bulges, widths, reals, rings, texts, inserts, primitives;
 };
+
+// What the index holds of an entity: its extents, or everywhere for a line without ends.
+HostViewBox indexBox(const HostViewEntity& entity) {
+  if (!entity.unbounded) return entity.extents;
+  constexpr double inf = std::numeric_limits<double>::infinity();
+  return HostViewBox{-inf, -inf, inf, inf};
+}
 
 std::string typeOf(const OdDbObject& object) {
   const std::string_view type = object.dxf().type();
@@ -119,7 +127,7 @@ void HostViewScene::rebuild() {
   items.reserve(entities_.size());
   for (std::uint32_t slot = 0; slot < entities_.size(); ++slot)
     if (entities_[slot].alive && !entities_[slot].extents.empty())
-      items.push_back({slot, entities_[slot].extents});
+      items.push_back({slot, indexBox(entities_[slot])});
   index_.build(std::move(items));
 }
 
@@ -268,7 +276,7 @@ void HostViewScene::refreshObject(const OdDbObjectId& id) {
   } else {
     readEntity(slot, id);
     if (entities_[slot].alive)
-      index_.insert(slot, entities_[slot].extents);
+      index_.insert(slot, indexBox(entities_[slot]));
     else
       index_.remove(slot);
   }

@@ -93,8 +93,7 @@ class HostViewScene {
   const std::map<std::string, std::size_t>& unsupported() const { return unsupported_; }
   // "Not drawn: 3 ACAD_TABLE, 1 MESH" style summary; empty when everything was drawn.
   QString unsupportedSummary() const;
-  // The slots of the live construction lines and rays: the index holds them by their base
-  // points only, so a view draws these whatever it shows.
+  // The slots of the live construction lines and rays, which the index gives for any box.
   const std::vector<std::uint32_t>& unboundedEntities() const { return unbounded_; }
 
  private:
