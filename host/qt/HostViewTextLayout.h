@@ -37,7 +37,12 @@ class HostViewTextLayout {
   static QString familyFor(const QString& fontFile);
   // The advance of `text` at cap height 1 and width factor 1 in `family`.
   double advance(const QString& text, const QString& family);
+  // How far the descenders of `family` reach below the baseline at cap height 1.
+  double descent(const QString& family);
 
  private:
+  // The font of `family` at a size large enough to measure with, made once.
+  const QFont& font(const QString& family);
+
   std::unordered_map<QString, QFont> fonts_;
 };
