@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 // Two lines ten units apart on layers A (red) and B (blue), a circle on A above them, and a
-// far line that a crossing window near the others never reaches.
+// ray running left from the left edge.
 const char* kDrawing = R"(
 doc = ezdxf.new('R2010')
 doc.layers.add('A', color=1)
@@ -25,6 +25,7 @@ msp = doc.modelspace()
 msp.add_line((0, 0), (100, 0), dxfattribs={'layer': 'A'})
 msp.add_line((0, 10), (100, 10), dxfattribs={'layer': 'B'})
 msp.add_circle((50, 50), 10, dxfattribs={'layer': 'A'})
+msp.add_ray((0, 30), (-1, 0), dxfattribs={'layer': 'B'})
 doc.saveas(path)
 )";
 
@@ -62,7 +63,7 @@ class HostDrawingViewTest : public QObject {
   std::unique_ptr<QtHost> host;
   std::unique_ptr<HostDrawingView> view;
   HostDocument* doc = nullptr;
-  OdDbObjectId lineA, lineB, circle;
+  OdDbObjectId lineA, lineB, circle, ray;
 
   QPoint at(double x, double y) const { return view->transform().toDevice(x, y).toPoint(); }
   void dragLeft(QPoint from, QPoint to, Qt::KeyboardModifiers mods = {}) {
@@ -89,8 +90,8 @@ class HostDrawingViewTest : public QObject {
     view->show();
     QVERIFY(QTest::qWaitForWindowExposed(view.get()));
     const auto& entities = view->scene().entities();
-    QCOMPARE(entities.size(), std::size_t(3));
-    lineA = entities[0].id, lineB = entities[1].id, circle = entities[2].id;
+    QCOMPARE(entities.size(), std::size_t(4));
+    lineA = entities[0].id, lineB = entities[1].id, circle = entities[2].id, ray = entities[3].id;
   }
   void cleanup() {
     view.reset();
@@ -158,13 +159,20 @@ class HostDrawingViewTest : public QObject {
     QCOMPARE(selected(), std::vector<OdDbObjectId>{circle});
     QTest::mouseClick(view.get(), Qt::LeftButton, {}, at(50, 50));
     QVERIFY(selected().empty());
-    QCOMPARE(edited.size(), 5);
+    // The ray runs left of its base point, not right.
+    QTest::mouseClick(view.get(), Qt::LeftButton, {}, at(-3, 30));
+    QCOMPARE(selected(), std::vector<OdDbObjectId>{ray});
+    QTest::mouseClick(view.get(), Qt::LeftButton, {}, at(3, 30));
+    QVERIFY(selected().empty());
+    QCOMPARE(edited.size(), 7);
 
     // 40..60 by -5..45 holds nothing whole, and crosses both lines and the circle's bottom.
     dragLeft(at(40, -5), at(60, 45));
     QVERIFY(selected().empty());
     dragLeft(at(60, 45), at(40, -5));
     QCOMPARE(selected(), (std::vector<OdDbObjectId>{lineA, lineB, circle}));
+    dragLeft(at(-1, 25), at(-3, 35));
+    QCOMPARE(selected(), std::vector<OdDbObjectId>{ray});
     dragLeft(at(-5, -5), at(105, 5));
     QCOMPARE(selected(), std::vector<OdDbObjectId>{lineA});
     view->grab().save("/tmp/staudit-qt-shots/drawing-view-selected.png");
