@@ -487,13 +487,18 @@ void DesktopWindow::closeEvent(QCloseEvent* event) {
 }
 
 void DesktopWindow::keyPressEvent(QKeyEvent* event) {
+  // Keys the view leaves (it keeps Escape and space) come here; printable ones are the start
+  // of a command. The guard stops a key the line also leaves from coming round again.
+  static bool forwarding = false;
   QLineEdit* input = commandLine_->input();
-  if (event->text().isEmpty() || !event->text().at(0).isPrint() || input->hasFocus()) {
+  if (forwarding || event->text().isEmpty() || !event->text().at(0).isPrint()) {
     QMainWindow::keyPressEvent(event);
     return;
   }
+  forwarding = true;
   input->setFocus();
   QCoreApplication::sendEvent(input, event);
+  forwarding = false;
 }
 
 void DesktopWindow::dragEnterEvent(QDragEnterEvent* event) {

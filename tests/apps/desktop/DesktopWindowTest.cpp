@@ -137,6 +137,12 @@ class DesktopWindowTest : public QObject {
       QVERIFY(std::abs(shown[0].toDouble() - at.x) < 0.01 &&
               std::abs(shown[1].toDouble() - at.y) < 0.01);
 
+      // Typing over the view goes to the command line.
+      QTest::mouseClick(view, Qt::LeftButton, {}, middle);
+      QTest::keyClicks(view, "zoom");
+      QCOMPARE(d.window->commandLine()->input()->text(), QString("zoom"));
+      d.window->commandLine()->input()->clear();
+
       QAction* dark = menuAction(*d.window, "View", "Dark Background");
       QVERIFY(dark && dark->isChecked() && view->darkBackground());
       dark->trigger();
