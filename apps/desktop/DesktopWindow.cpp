@@ -28,6 +28,7 @@
 #include "HostQtCommandLine.h"
 #include "HostQtFront.h"
 #include "HostSilentCheck.h"
+#include "LayersDock.h"
 #include "OdDbEntity.h"
 #include "OdDbSymbolTable.h"
 
@@ -115,9 +116,9 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
   statusBar()->addPermanentWidget(coordinates_);
   statusBar()->showMessage(tr("Ready"));
 
+  layersDock_ = createLayersDock();
   buildMenus();
   buildToolBar();
-  layersDock_ = createLayersDock();
   app_.documents().addReactor(this);
   app_.addInputContextReactor(this);
   restoreLayout();
@@ -202,6 +203,7 @@ void DesktopWindow::buildMenus() {
   darkAction_ = view->addAction(tr("&Dark Background"), this, &DesktopWindow::setDarkBackground);
   darkAction_->setCheckable(true);
   view->addSeparator();
+  view->addAction(layersDock_->toggleViewAction());
   view->addAction(commandDock_->toggleViewAction());
 }
 
@@ -219,8 +221,13 @@ void DesktopWindow::buildToolBar() {
 }
 
 QDockWidget* DesktopWindow::createLayersDock() {
-  // TODO: add the layers panel (LayersPanel) here in a dock titled "Layers" once it exists.
-  return nullptr;
+  QDockWidget* dock = makeLayersDock(app_, this);
+  dock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable |
+                    QDockWidget::DockWidgetClosable);
+  addDockWidget(Qt::RightDockWidgetArea, dock);
+  // Wide enough for the layer names beside their properties; the drawing keeps the most room.
+  resizeDocks({dock}, {480}, Qt::Horizontal);
+  return dock;
 }
 
 void DesktopWindow::updateLayerList() {

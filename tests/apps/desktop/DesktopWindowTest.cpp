@@ -5,6 +5,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QDockWidget>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
@@ -171,6 +172,8 @@ class DesktopWindowTest : public QObject {
     QVERIFY(QTest::qWaitForWindowExposed(d.window.get()));
     HostDrawingView* view = d.window->viewOf(d.app->documents().curDocument());
     QVERIFY(view && view->scene().entities().size() > 100);
+    QVERIFY(d.window->layersDock()->isVisible());
+    QCOMPARE(d.window->layersDock()->windowTitle(), QString("Layers"));
     QTest::mouseMove(view, QPoint(view->width() / 3, view->height() / 3));
     fs::create_directories("/tmp/staudit-qt-shots");
     QVERIFY(d.window->grab().save("/tmp/staudit-qt-shots/stdesk-drawing.png"));
