@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QStatusBar>
 #include <QTabWidget>
 #include <QUrl>
 #include <fstream>
@@ -178,6 +179,11 @@ class DesktopWindowTest : public QObject {
     fs::create_directories("/tmp/staudit-qt-shots");
     QVERIFY(d.window->grab().save("/tmp/staudit-qt-shots/stdesk-drawing.png"));
     QVERIFY(view->lastStats().primitivesDrawn > 100);
+    // What could not be drawn is told on the status bar, once the drawing shows.
+    const QString notDrawn = view->scene().unsupportedSummary();
+    if (!notDrawn.isEmpty()) QTRY_COMPARE(d.window->statusBar()->currentMessage(), notDrawn);
+    menuAction(*d.window, "View", "Dark Background")->trigger();
+    QVERIFY(d.window->grab().save("/tmp/staudit-qt-shots/stdesk-drawing-light.png"));
   }
 
   // A command typed without its words prompts for them, answered from the line; Escape
