@@ -2,28 +2,35 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QDir>
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QToolBar>
 #include <QUrl>
 #include <cstdio>
 
-#include "DocumentPage.h"
 #include "HostApplication.h"
 #include "HostCloseQuestion.h"
 #include "HostConfigTree.h"
 #include "HostDocument.h"
 #include "HostDocumentSave.h"
+#include "HostDrawingView.h"
 #include "HostQtCommandLine.h"
 #include "HostQtFront.h"
 #include "HostSilentCheck.h"
+#include "LayersDock.h"
+#include "OdDbEntity.h"
+#include "OdDbSymbolTable.h"
 
 namespace {
 DesktopWindow* g_window = nullptr;
@@ -31,6 +38,7 @@ DesktopWindow* g_window = nullptr;
 const char* const kLayoutKey = "Desktop";
 const char* const kGeometry = "WindowGeometry";
 const char* const kState = "WindowState";
+const char* const kDarkBackground = "DarkBackground";
 
 QString qt(const OdString& text) {
   return QString::fromStdString(text.toUtf8());
@@ -62,12 +70,12 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
   setCentralWidget(tabs_);
   connect(tabs_, &QTabWidget::currentChanged, this, [this](int index) {
     if (syncingTabs_) return;
-    if (auto* page = qobject_cast<DocumentPage*>(tabs_->widget(index)))
+    if (auto* page = qobject_cast<HostDrawingView*>(tabs_->widget(index)))
       app_.documents().setCurDocument(page->document());
     updateTitles();
   });
   connect(tabs_, &QTabWidget::tabCloseRequested, this, [this](int index) {
-    auto* page = qobject_cast<DocumentPage*>(tabs_->widget(index));
+    auto* page = qobject_cast<HostDrawingView*>(tabs_->widget(index));
     if (!page) return;
     app_.documents().setCurDocument(page->document());
     send("CLOSE");
@@ -84,15 +92,33 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
   front_.setMainWindow(this);
   front_.setCommandLine(commandLine_);
   front_.setStatusBar(statusBar());
-  // Each page shows its drawing's extents; zooming to them draws the page afresh.
   front_.setZoomExtentsHandler([this](HostDocument* doc) {
-    DocumentPage* page = pageOf(doc);
-    if (page) page->markStale();
-    return page != nullptr;
+    HostDrawingView* view = viewOf(doc);
+    if (view) view->zoomExtents();
+    return view != nullptr;
   });
+  front_.setHighlightHandler([this](HostDocument* doc, const OdDbObjectIdArray& ids, bool zoom) {
+    HostDrawingView* view = viewOf(doc);
+    return view && view->highlightObjects(ids, zoom);
+  });
+  // A plot shows what the drawing's view shows.
+  front_.setPlotAreaHandler([this](const OdDbDatabase& db) -> std::optional<HostViewBox> {
+    for (int i = 0; i < tabs_->count(); ++i)
+      if (auto* view = qobject_cast<HostDrawingView*>(tabs_->widget(i));
+          view && view->document() && view->document()->database() == &db)
+        return view->transform().visible();
+    return std::nullopt;
+  });
+  coordinates_ = new QLabel(this);
+  coordinates_->setObjectName("Coordinates");
+  coordinates_->setMinimumWidth(
+      coordinates_->fontMetrics().horizontalAdvance("-0000000.0000, -0000000.0000"));
+  statusBar()->addPermanentWidget(coordinates_);
   statusBar()->showMessage(tr("Ready"));
 
+  layersDock_ = createLayersDock();
   buildMenus();
+  buildToolBar();
   app_.documents().addReactor(this);
   app_.addInputContextReactor(this);
   restoreLayout();
@@ -100,12 +126,15 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
   commandLine_->input()->setFocus();
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 DesktopWindow::~DesktopWindow() {
   app_.documents().removeReactor(this);
   app_.removeInputContextReactor(this);
   front_.setZoomExtentsHandler(nullptr);
+  front_.setHighlightHandler(nullptr);
+  front_.setPlotAreaHandler(nullptr);
   front_.setCommandLine(nullptr);
   front_.setMainWindow(nullptr);
   if (g_window == this) g_window = nullptr;
@@ -115,10 +144,11 @@ DesktopWindow* DesktopWindow::instance() {
   return g_window;
 }
 
-DocumentPage* DesktopWindow::pageOf(const HostDocument* doc) const {
+HostDrawingView* DesktopWindow::viewOf(const HostDocument* doc) const {
   for (int i = 0; i < tabs_->count(); ++i)
-    if (auto* page = qobject_cast<DocumentPage*>(tabs_->widget(i)); page && page->document() == doc)
-      return page;
+    if (auto* view = qobject_cast<HostDrawingView*>(tabs_->widget(i));
+        view && view->document() == doc)
+      return view;
   return nullptr;
 }
 
@@ -170,8 +200,88 @@ void DesktopWindow::buildMenus() {
 
   QMenu* view = menuBar()->addMenu(tr("&View"));
   documentActions_ << view->addAction(tr("Zoom &Extents"), this, [this] { send("ZOOM E"); });
+  darkAction_ = view->addAction(tr("&Dark Background"), this, &DesktopWindow::setDarkBackground);
+  darkAction_->setCheckable(true);
   view->addSeparator();
+  view->addAction(layersDock_->toggleViewAction());
   view->addAction(commandDock_->toggleViewAction());
+}
+
+void DesktopWindow::buildToolBar() {
+  QToolBar* bar = addToolBar(tr("Layers"));
+  bar->setObjectName("LayersToolBar");
+  bar->addWidget(new QLabel(tr("Layer "), bar));
+  layerList_ = new QComboBox(bar);
+  layerList_->setObjectName("LayerList");
+  layerList_->setToolTip(tr("The layer of the selected entities; choose one to move them there"));
+  layerList_->setMinimumContentsLength(16);
+  layerList_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  bar->addWidget(layerList_);
+  connect(layerList_, &QComboBox::activated, this, &DesktopWindow::chooseLayer);
+}
+
+QDockWidget* DesktopWindow::createLayersDock() {
+  QDockWidget* dock = makeLayersDock(app_, this);
+  dock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable |
+                    QDockWidget::DockWidgetClosable);
+  addDockWidget(Qt::RightDockWidgetArea, dock);
+  // Wide enough for the layer names beside their properties; the drawing keeps the most room.
+  resizeDocks({dock}, {480}, Qt::Horizontal);
+  return dock;
+}
+
+void DesktopWindow::updateLayerList() {
+  const QSignalBlocker quiet(layerList_);
+  layerList_->clear();
+  layerList_->setPlaceholderText(QString());
+  HostDocument* doc = app_.documents().curDocument();
+  OdDbDatabase* db = doc ? doc->database() : nullptr;
+  layerList_->setEnabled(db != nullptr);
+  if (!db) return;
+  OdDbSymbolTablePtr layers = db->getLayerTableId().safeOpenObject();
+  for (OdDbSymbolTableIteratorPtr it = layers->newIterator(); !it->done(); it->step())
+    layerList_->addItem(qt(it->getRecord()->getName()));
+  // The selection's one layer; none shown when it is on several.
+  std::optional<OdString> common;
+  bool mixed = false;
+  for (const OdDbObjectId& id : doc->selection()) {
+    OdDbEntityPtr entity = OdDbEntity::cast(id.openObject().get());
+    if (entity.isNull() || id.database() != db) continue;
+    const OdString layer = entity->layer();
+    if (common && common->iCompare(layer) != 0) mixed = true;
+    common = layer;
+  }
+  if (common && !mixed) {
+    layerList_->setCurrentIndex(layerList_->findText(qt(*common), Qt::MatchFixedString));
+    return;
+  }
+  layerList_->setCurrentIndex(-1);
+  if (!common) {
+    // Nothing selected: what new entities would go on, greyed.
+    OdResBufPtr current = db->getHeaderVariable(L"$CLAYER");
+    layerList_->setPlaceholderText(current ? qt(current->getString()) : QStringLiteral("0"));
+  }
+}
+
+void DesktopWindow::chooseLayer(int index) {
+  HostDocument* doc = app_.documents().curDocument();
+  if (!doc || index < 0) return;
+  const QString name = layerList_->itemText(index);
+  // Quoted: a layer name may hold blanks (never a double quote).
+  bool selected = false;
+  for (const OdDbObjectId& id : doc->selection()) selected = selected || !id.isErased();
+  send((selected ? "CHANGE LAYER \"" : "-LAYER SET \"") + name + "\"");
+}
+
+void DesktopWindow::setDarkBackground(bool dark) {
+  dark_ = dark;
+  if (darkAction_->isChecked() != dark) darkAction_->setChecked(dark);
+  for (int i = 0; i < tabs_->count(); ++i)
+    if (auto* view = qobject_cast<HostDrawingView*>(tabs_->widget(i)))
+      view->setDarkBackground(dark);
+  HostConfigTree& tree = app_.configTree();
+  tree.createKey({}, kLayoutKey);
+  tree.setValue({kLayoutKey}, kDarkBackground, OdVariant(dark));
 }
 
 void DesktopWindow::fillRecentMenu() {
@@ -251,7 +361,7 @@ void DesktopWindow::plot() {
 void DesktopWindow::updateTitles() {
   HostDocument* current = app_.documents().curDocument();
   for (int i = 0; i < tabs_->count(); ++i) {
-    auto* page = qobject_cast<DocumentPage*>(tabs_->widget(i));
+    auto* page = qobject_cast<HostDrawingView*>(tabs_->widget(i));
     if (!page || !page->document()) continue;
     HostDocument* doc = page->document();
     tabs_->setTabText(i, qt(doc->title()) + (doc->isModified() ? "*" : ""));
@@ -274,9 +384,18 @@ void DesktopWindow::updateActions() {
 }
 
 void DesktopWindow::onDocumentCreated(HostDocument* doc) {
-  auto* page = new DocumentPage(doc, tabs_);
+  auto* view = new HostDrawingView(doc, tabs_);
+  view->setDarkBackground(dark_);
+  connect(view, &HostDrawingView::cursorMoved, this, [this](double x, double y) {
+    HostDocument* d = app_.documents().curDocument();
+    const int places = d && d->database() ? d->database()->getLUPREC() : 4;
+    coordinates_->setText(QString("%1, %2").arg(x, 0, 'f', places).arg(y, 0, 'f', places));
+  });
+  connect(view, &HostDrawingView::statusMessage, this,
+          [this](const QString& text) { statusBar()->showMessage(text, 15000); });
+  connect(view, &HostDrawingView::selectionEdited, this, &DesktopWindow::updateLayerList);
   syncingTabs_ = true;
-  tabs_->addTab(page, qt(doc->title()));
+  tabs_->addTab(view, qt(doc->title()));
   syncingTabs_ = false;
   if (!doc->isUntitled()) recent_.add(qt(doc->fileName()));
 }
@@ -289,21 +408,23 @@ void DesktopWindow::onDocumentCreateCanceled(HostDocument* doc, const OdString& 
 }
 
 void DesktopWindow::onDocumentBecameCurrent(HostDocument* doc) {
-  if (DocumentPage* page = pageOf(doc)) {
+  if (HostDrawingView* view = viewOf(doc)) {
     syncingTabs_ = true;
-    tabs_->setCurrentWidget(page);
+    tabs_->setCurrentWidget(view);
     syncingTabs_ = false;
   }
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 void DesktopWindow::onDocumentClosing(HostDocument* doc) {
-  if (DocumentPage* page = pageOf(doc)) {
+  if (HostDrawingView* view = viewOf(doc)) {
     syncingTabs_ = true;
-    tabs_->removeTab(tabs_->indexOf(page));
+    tabs_->removeTab(tabs_->indexOf(view));
     syncingTabs_ = false;
-    page->deleteLater();
+    // At once: the view watches the database, which goes with the document.
+    delete view;
   }
 }
 
@@ -319,14 +440,16 @@ void DesktopWindow::onDocumentRenamed(HostDocument* doc, const OdString&) {
 void DesktopWindow::onNoDocumentCurrent() {
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 void DesktopWindow::afterCommand(const OdString&) {
-  // Any command may have changed any drawing (a fix of the standards module, an import).
+  // The views follow their drawings by themselves; a command may have changed a selection.
   for (int i = 0; i < tabs_->count(); ++i)
-    if (auto* page = qobject_cast<DocumentPage*>(tabs_->widget(i))) page->markStale();
+    if (auto* view = qobject_cast<HostDrawingView*>(tabs_->widget(i))) view->selectionChanged();
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 bool DesktopWindow::askToSaveAll() {
@@ -370,6 +493,21 @@ void DesktopWindow::closeEvent(QCloseEvent* event) {
   event->accept();
 }
 
+void DesktopWindow::keyPressEvent(QKeyEvent* event) {
+  // Keys the view leaves (it keeps Escape and space) come here; printable ones are the start
+  // of a command. The guard stops a key the line also leaves from coming round again.
+  static bool forwarding = false;
+  QLineEdit* input = commandLine_->input();
+  if (forwarding || event->text().isEmpty() || !event->text().at(0).isPrint()) {
+    QMainWindow::keyPressEvent(event);
+    return;
+  }
+  forwarding = true;
+  input->setFocus();
+  QCoreApplication::sendEvent(input, event);
+  forwarding = false;
+}
+
 void DesktopWindow::dragEnterEvent(QDragEnterEvent* event) {
   if (!event->mimeData()->hasUrls()) return;
   for (const QUrl& url : event->mimeData()->urls())
@@ -403,6 +541,9 @@ void DesktopWindow::restoreLayout() {
   auto state = tree.getValue({kLayoutKey}, kState);
   if (state && state->varType() == OdVariant::kString)
     restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state->getString().toUtf8())));
+  auto dark = tree.getValue({kLayoutKey}, kDarkBackground);
+  dark_ = !dark || dark->varType() != OdVariant::kBool || dark->getBool();
+  darkAction_->setChecked(dark_);
 }
 
 void DesktopWindow::saveLayout() {

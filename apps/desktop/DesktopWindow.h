@@ -8,25 +8,29 @@
 #include "HostEdInputContextReactor.h"
 #include "RecentFiles.h"
 
-class DocumentPage;
 class HostApplication;
+class HostDrawingView;
 class HostQtCommandLine;
 class HostQtFront;
 class QAction;
+class QComboBox;
 class QDockWidget;
 class QLabel;
 class QMenu;
 class QMimeData;
 class QTabWidget;
 
-// The main window of the desktop host: one tab per open document (the current tab is the
-// host's current document), the File, Standards and View menus, the command line docked at the
-// bottom and the status bar modules may place widgets in.
+// The main window of the desktop host: one tab per open document, each a drawing view of its
+// model space (the current tab is the host's current document), the File, Standards and View
+// menus, a toolbar with the layer of the selection, the layers panel docked at the right, the
+// command line docked at the bottom and the status bar (the cursor's drawing coordinates, the
+// view's messages, and what modules place there).
 //
 // Every menu item sends a command through the host's command line, so a menu, a typed command
 // and a script take one path. The window follows the document manager (a document opened,
 // made current, renamed or closed by any command) and refreshes titles after each command.
-// Window geometry and the recent files are kept in the host's configuration tree.
+// Window geometry, the view's background and the recent files are kept in the host's
+// configuration tree.
 //
 // Closing the window asks about every changed drawing (Save, Don't save, Cancel); Cancel keeps
 // the window open. A script's QUIT closes it without asking (see QuitCommand).
@@ -46,8 +50,16 @@ class DesktopWindow : public QMainWindow,
 
   HostQtCommandLine* commandLine() const { return commandLine_; }
   QTabWidget* tabs() const { return tabs_; }
-  // The page of a document, or null.
-  DocumentPage* pageOf(const HostDocument* doc) const;
+  // The drawing view of a document, or null.
+  HostDrawingView* viewOf(const HostDocument* doc) const;
+  // The toolbar's list of the current drawing's layers: the selection's layer, blank when the
+  // selection is on several, the current layer greyed when nothing is selected. Choosing one
+  // moves the selection there (CHANGE LAYER), or makes it current when nothing is selected.
+  QComboBox* layerList() const { return layerList_; }
+  // The dock of the layers panel (LayersPanel), titled "Layers".
+  QDockWidget* layersDock() const { return layersDock_; }
+  // The permanent status-bar label with the cursor's drawing coordinates.
+  QLabel* coordinates() const { return coordinates_; }
 
   // Sends command-line text as a menu does (a trailing blank ends it).
   void send(const QString& text);
@@ -78,11 +90,18 @@ class DesktopWindow : public QMainWindow,
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  // Typing while the drawing view has the focus goes to the command line.
+  void keyPressEvent(QKeyEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
 
  private:
   void buildMenus();
+  void buildToolBar();
+  QDockWidget* createLayersDock();
+  void updateLayerList();
+  void chooseLayer(int index);
+  void setDarkBackground(bool dark);
   void fillRecentMenu();
   void updateTitles();
   void updateActions();
@@ -101,6 +120,11 @@ class DesktopWindow : public QMainWindow,
   QTabWidget* tabs_;
   QDockWidget* commandDock_;
   HostQtCommandLine* commandLine_;
+  QDockWidget* layersDock_ = nullptr;
+  QComboBox* layerList_ = nullptr;
+  QLabel* coordinates_ = nullptr;
+  QAction* darkAction_ = nullptr;
+  bool dark_ = true;
   QMenu* recentMenu_ = nullptr;
   QList<QAction*> documentActions_;
   struct CommandAction {

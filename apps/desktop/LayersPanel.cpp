@@ -19,7 +19,7 @@
 #include "HostCommandLine.h"
 #include "HostDocument.h"
 #include "HostLayerRules.h"
-#include "HostQtDrawingPainter.h"
+#include "HostViewPalette.h"
 #include "OdDbDatabase.h"
 #include "OdDbLayerTable.h"
 #include "OdDbLayerTableRecord.h"
@@ -207,8 +207,8 @@ void LayersPanel::refresh() {
     itemAt(table_, row, kFrozen)->setText(layer.frozen ? tr("Frozen") : tr("Thawed"));
     QTableWidgetItem* colour = itemAt(table_, row, kColour);
     colour->setText(colourText(layer.colour, layer.rgb));
-    colour->setIcon(swatch(layer.rgb >= 0 ? QRgb(layer.rgb)
-                                          : QRgb(HostQtDrawingPainter::aciToRgb(layer.colour))));
+    colour->setIcon(
+        swatch(layer.rgb >= 0 ? QRgb(layer.rgb) : QRgb(HostViewPalette::aciToRgb(layer.colour))));
     colour->setToolTip(tr("Click to choose the colour"));
 
     auto* linetype = static_cast<QComboBox*>(table_->cellWidget(row, kLinetype));

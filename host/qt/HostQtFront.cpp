@@ -1,15 +1,26 @@
 #include "HostQtFront.h"
 
+#include <QBuffer>
 #include <QDesktopServices>
+#include <QFile>
+#include <QFileInfo>
 #include <QMessageBox>
+#include <QPainter>
+#include <QPdfWriter>
 #include <QPushButton>
 #include <QUrl>
+#include <filesystem>
+#include <string_view>
 
 #include "HostQtCommandLine.h"
-#include "HostQtDrawingPainter.h"
 #include "HostQtStatusBar.h"
 #include "HostQtTaskDialog.h"
 #include "HostQtText.h"
+#include "HostViewRenderer.h"
+#include "HostViewScene.h"
+#include "OdAtomicFile.h"
+#include "OdDbDatabase.h"
+#include "OdError.h"
 
 namespace {
 QMessageBox::Icon messageIcon(HostIcon icon) {
@@ -135,8 +146,55 @@ HostStatusBar* HostQtFront::statusBar() {
 }
 
 bool HostQtFront::plotToPdf(OdDbDatabase& db, const OdString& path, OdString& error) {
-  QString reason;
-  if (HostQtDrawingPainter(db).writePdf(toQString(path), reason)) return true;
-  error = toOdString(reason);
-  return false;
+  const QString file = toQString(path);
+  QByteArray bytes;
+  try {
+    const HostViewScene scene(db);
+    std::optional<HostViewBox> area = plotArea_ ? plotArea_(db) : std::nullopt;
+    const HostViewBox box = area && !area->empty() ? *area : scene.extents();
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&buffer);
+    const QString drawing = toQString(db.getFilename());
+    writer.setTitle(drawing.isEmpty() ? QStringLiteral("Untitled")
+                                      : QFileInfo(drawing).completeBaseName());
+    writer.setCreator(QStringLiteral("standards-audit"));
+    // Fine enough for hairlines, small enough that a pixel-sized detail is still one.
+    writer.setResolution(300);
+    const bool wide = box.width() >= box.height();
+    writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4),
+                                     wide ? QPageLayout::Landscape : QPageLayout::Portrait,
+                                     QMarginsF(10, 10, 10, 10), QPageLayout::Millimeter));
+    QPainter painter;
+    if (!painter.begin(&writer)) {
+      error =
+          toOdString(QStringLiteral("cannot plot to %1: the PDF could not be started").arg(file));
+      return false;
+    }
+    const QRect page = writer.pageLayout().paintRectPixels(writer.resolution());
+    const HostViewTransform view = HostViewTransform::fit(box, QSizeF(page.size()), 0);
+    HostViewRenderer::Options options;
+    options.background = Qt::white;
+    options.antialias = true;
+    HostViewRenderer().paint(painter, scene, view, options);
+    painter.end();
+  } catch (const std::exception& e) {
+    error =
+        toOdString(QStringLiteral("cannot plot to %1: %2").arg(file, QString::fromUtf8(e.what())));
+    return false;
+  }
+  try {
+    // File names are bytes on this system; Qt knows how it encodes them.
+    OdAtomicFile out(std::filesystem::path(QFile::encodeName(file).toStdString()));
+    out.write(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+    out.commit();
+  } catch (const OdError& e) {
+    error = toOdString(QString::fromUtf8(e.what()));  // names the file and the system's reason
+    return false;
+  } catch (const std::exception& e) {
+    error =
+        toOdString(QStringLiteral("cannot write %1: %2").arg(file, QString::fromUtf8(e.what())));
+    return false;
+  }
+  return true;
 }

@@ -5,8 +5,10 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "HostFrontend.h"
+#include "HostViewGeometry.h"
 
 class QStatusBar;
 class QWidget;
@@ -51,6 +53,10 @@ class HostQtFront : public QObject, public HostFrontend {
   // What highlightObjects does: the drawing view's answer (the desktop window sets it).
   using HighlightHandler = std::function<bool(HostDocument*, const OdDbObjectIdArray&, bool)>;
   void setHighlightHandler(HighlightHandler handler) { highlight_ = std::move(handler); }
+  // What part of a drawing a plot shows: the box its drawing view shows now (the desktop
+  // window sets it), or nullopt for the drawing's extents. Unset, plots show the extents.
+  using PlotAreaHandler = std::function<std::optional<HostViewBox>(const OdDbDatabase&)>;
+  void setPlotAreaHandler(PlotAreaHandler handler) { plotArea_ = std::move(handler); }
 
   // HostFrontend
   // A QMessageBox with the box's buttons in their usual order, its default button focused.
@@ -68,7 +74,10 @@ class HostQtFront : public QObject, public HostFrontend {
   bool readCommandInput(OdString& line) override;
   // Null until setStatusBar gave a bar.
   HostStatusBar* statusBar() override;
-  // HostQtDrawingPainter::writePdf of the drawing's model space.
+  // A one-page PDF of model space as the drawing view draws it, on white: the plot area
+  // (see setPlotAreaHandler) fitted to an A4 page, landscape or portrait as it fits better.
+  // The file is replaced only once the new one is whole; `error` names the file and the
+  // reason when it cannot be written. An empty drawing gives a blank page.
   bool plotToPdf(OdDbDatabase& db, const OdString& path, OdString& error) override;
   bool zoomExtents(HostDocument* doc) override { return zoomExtents_ && zoomExtents_(doc); }
   bool highlightObjects(HostDocument* doc, const OdDbObjectIdArray& ids, bool zoom) override {
@@ -87,4 +96,5 @@ class HostQtFront : public QObject, public HostFrontend {
   bool scriptRunning_ = false;
   std::function<bool(HostDocument*)> zoomExtents_;
   HighlightHandler highlight_;
+  PlotAreaHandler plotArea_;
 };

@@ -33,7 +33,7 @@ class HostViewIndex {
   void query(const HostViewBox& query, std::vector<std::uint32_t>& out) const;
 
   std::size_t size() const;
-  // The box of everything indexed (empty when nothing is).
+  // The box of everything indexed but the unbounded boxes (empty when nothing is).
   HostViewBox bounds() const;
 
  private:
@@ -46,7 +46,7 @@ class HostViewIndex {
   std::vector<Item> items_;          // the tree's items, leaf order
   std::vector<Node> nodes_;          // level by level, root last
   std::vector<Item> pending_;        // inserted since the build
-  std::vector<std::uint8_t> state_;  // per id: 0 absent, 1 in the tree, 2 pending
+  std::vector<std::uint8_t> state_;  // per id: 0 absent, 1 in the tree, 2 pending, 3 unbounded
   std::vector<std::uint32_t> unbounded_;
   std::size_t removedInTree_ = 0;
 };

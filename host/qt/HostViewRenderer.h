@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "HostViewScene.h"
+#include "HostViewTessellator.h"
 #include "HostViewTransform.h"
 
 class QPainter;
@@ -48,4 +49,5 @@ class HostViewRenderer {
  private:
   // Implementation's own; see the .cpp.
   std::vector<std::uint32_t> hits_;
+  HostViewTessellator tessellator_;
 };

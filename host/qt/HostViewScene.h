@@ -3,6 +3,7 @@
 #include <QString>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "OdDbObjectId.h"
 
 class OdDbDatabase;
+class HostViewTables;
 
 // A layer as the view needs it.
 struct HostViewLayer {
@@ -41,8 +43,10 @@ struct HostViewEntity {
   std::uint32_t first = 0, count = 0;  // range of geometry.primitives
   HostViewBox extents;                 // in model space; empty when nothing is drawn
   std::int32_t layer = 0;
-  bool unbounded = false;  // an XLINE or a RAY: drawn clipped to whatever the view shows
-  bool alive = false;      // false once erased (the slot is kept, the id may come back)
+  // An XLINE or a RAY, drawn clipped to whatever the view shows: one Polyline primitive of
+  // its base point and the base point plus its unit direction, kClosed when it runs both ways.
+  bool unbounded = false;
+  bool alive = false;  // false once erased (the slot is kept, the id may come back)
 };
 
 // What a view draws of a drawing's model space: the entities as primitives, the blocks they
@@ -57,6 +61,7 @@ struct HostViewEntity {
 class HostViewScene {
  public:
   explicit HostViewScene(OdDbDatabase& db);
+  ~HostViewScene();
 
   // An entity of model space was appended, modified, erased or unerased: its primitives, its
   // box in the index and the extents follow. An object that is not a model-space entity (a
@@ -88,9 +93,15 @@ class HostViewScene {
   const std::map<std::string, std::size_t>& unsupported() const { return unsupported_; }
   // "Not drawn: 3 ACAD_TABLE, 1 MESH" style summary; empty when everything was drawn.
   QString unsupportedSummary() const;
+  // The slots of the live construction lines and rays, which the index gives for any box.
+  const std::vector<std::uint32_t>& unboundedEntities() const { return unbounded_; }
 
  private:
   // Implementation's own; see the .cpp files.
+  void readBlocks();
+  void readEntity(std::uint32_t slot, const OdDbObjectId& id);
+  void compactIfWasteful();
+
   OdDbDatabase& db_;
   HostViewGeometry geometry_;
   std::vector<HostViewEntity> entities_;
@@ -102,6 +113,7 @@ class HostViewScene {
   double linetypeScale_ = 1.0;
   std::map<std::string, std::size_t> unsupported_;
   std::unordered_map<std::uint64_t, std::uint32_t> slotByHandle_;
-  std::unordered_map<std::wstring, std::int32_t> layerByName_;
-  std::unordered_map<std::wstring, std::int32_t> blockByName_;
+  std::unique_ptr<HostViewTables> tables_;
+  std::vector<std::uint32_t> unbounded_;  // slots of live construction lines and rays
+  std::size_t garbage_ = 0;               // primitives no entity or block refers to any more
 };

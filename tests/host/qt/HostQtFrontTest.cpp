@@ -1,5 +1,6 @@
 // The Qt front as the host uses it: message boxes and task dialogs answered by clicks and
-// keys, command-line text, the status bar offered to modules.
+// keys, command-line text, the status bar offered to modules, the PDF plot written whole or
+// not at all.
 
 #include <QCommandLinkButton>
 #include <QLabel>
@@ -15,6 +16,7 @@
 #include "HostQtCommandLine.h"
 #include "HostQtStatusBar.h"
 #include "HostQtTaskDialog.h"
+#include "OdDbDatabase.h"
 #include "QtHostSupport.h"
 
 using qthosttest::QtHost;
@@ -27,6 +29,10 @@ void screenshot(QWidget* w, const char* name) {
   std::filesystem::create_directories(kShots);
   w->grab().save(QString::fromUtf8(kShots) + "/" + name + ".png");
 }
+
+std::size_t filesIn(const std::filesystem::path& dir) {
+  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(dir), {}));
+}
 }  // namespace
 
 class HostQtFrontTest : public QObject {
@@ -37,6 +43,7 @@ class HostQtFrontTest : public QObject {
   void taskDialogsGiveTheChosenId();
   void commandLineTextGoesToWidgetStreamAndSignal();
   void statusBarTakesAndGivesBackModuleWidgets();
+  void plotWritesAWholePdfOrAnError();
 };
 
 void HostQtFrontTest::messageBoxesGiveTheHostsAnswers() {
@@ -207,6 +214,59 @@ void HostQtFrontTest::statusBarTakesAndGivesBackModuleWidgets() {
   // A widget that goes with its module leaves no dangling entry.
   delete second;
   QCOMPARE(bar->moduleWidgetCount(), 0);
+}
+
+void HostQtFrontTest::plotWritesAWholePdfOrAnError() {
+  namespace fs = std::filesystem;
+  QtHost host;
+  testsupport::TempDir dir;
+  const fs::path drawing = dir.path() / "plan.dxf";
+  // Taller than wide: a portrait page.
+  const auto made = testsupport::ezdxf(
+      "doc = ezdxf.new('R2010')\n"
+      "doc.modelspace().add_line((0, 0), (10, 300), dxfattribs={'color': 1})\n"
+      "doc.saveas(path)\n",
+      drawing);
+  QVERIFY2(made.exitCode == 0, made.output.c_str());
+  OdDbDatabasePtr db = OdDbDatabase::readFile(drawing);
+
+  // Written whole, and again over the first; nothing else left. The plot area a view gives
+  // turns the page: a wide area, a landscape page.
+  const fs::path pdf = dir.path() / "plan.pdf";
+  OdString error;
+  for (bool wide : {false, true}) {
+    host.front.setPlotAreaHandler([wide](const OdDbDatabase&) -> std::optional<HostViewBox> {
+      if (!wide) return std::nullopt;
+      return HostViewBox{0, 0, 100, 20};
+    });
+    QVERIFY2(host.front.plotToPdf(*db, OdString(pdf.wstring()), error), error.toUtf8().c_str());
+    const std::string bytes = testsupport::readBytes(pdf);
+    QVERIFY(bytes.rfind("%PDF-", 0) == 0);
+    QVERIFY(bytes.find("%%EOF") != std::string::npos);
+    // The title, in the UTF-16 form the writer gives every text.
+    QVERIFY(bytes.find(std::string("/Title (\xfe\xff\0p\0l\0a\0n)", 19)) != std::string::npos);
+    // A4 in points, the long side across for a landscape page.
+    const bool landscape = bytes.find("/MediaBox [0 0 842.000000 595.000000]") != std::string::npos;
+    const bool portrait = bytes.find("/MediaBox [0 0 595.000000 842.000000]") != std::string::npos;
+    QVERIFY2(wide ? landscape : portrait, bytes.substr(bytes.find("/MediaBox"), 40).c_str());
+  }
+  host.front.setPlotAreaHandler(nullptr);
+  QCOMPARE(filesIn(dir.path()), std::size_t(2));
+
+  // A folder that cannot be one (a file stands in its way): one error naming the file and why.
+  const fs::path blocked = drawing / "plan.pdf";
+  QVERIFY(!host.front.plotToPdf(*db, OdString(blocked.wstring()), error));
+  const QString text = QString::fromStdWString(error.str());
+  QVERIFY2(
+      text.contains(QString::fromStdString(blocked.string())) && text.contains("Not a directory"),
+      qPrintable(text));
+  // A plot the user made read-only stays as it is.
+  const std::string before = testsupport::readBytes(pdf);
+  fs::permissions(pdf, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+  QVERIFY(!host.front.plotToPdf(*db, OdString(pdf.wstring()), error));
+  QVERIFY2(QString::fromStdWString(error.str()).contains("read-only"), error.toUtf8().c_str());
+  QVERIFY(testsupport::readBytes(pdf) == before);
+  QCOMPARE(filesIn(dir.path()), std::size_t(2));
 }
 
 QTEST_MAIN(HostQtFrontTest)
