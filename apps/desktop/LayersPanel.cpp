@@ -130,7 +130,7 @@ LayersPanel::LayersPanel(HostApplication& app, QWidget* parent)
   QHeaderView* header = table_->horizontalHeader();
   // Widths follow the contents once per reading (refresh), not on every cell change.
   header->setSectionResizeMode(QHeaderView::Interactive);
-  header->setSectionResizeMode(kName, QHeaderView::Stretch);
+  header->setStretchLastSection(true);
   header->setMinimumSectionSize(24);
 
   connect(table_, &QTableWidget::cellClicked, this, &LayersPanel::cellClicked);
@@ -228,8 +228,10 @@ void LayersPanel::refresh() {
     weight->setEnabled(keepsLineweights);
   }
   filling_ = false;
-  for (int column = 0; column < kColumnCount; ++column)
-    if (column != kName) table_->resizeColumnToContents(column);
+  for (int column = 0; column < kColumnCount; ++column) table_->resizeColumnToContents(column);
+  // Names get the room; a long linetype name is read in its list, not in a wide column.
+  table_->setColumnWidth(kName, std::clamp(table_->columnWidth(kName), 90, 260));
+  table_->setColumnWidth(kLinetype, std::min(table_->columnWidth(kLinetype), 130));
 
   const QString select = editWhenShown_.isEmpty() ? keep : editWhenShown_;
   const int row = rowOf(select);
