@@ -132,7 +132,7 @@ bool HostViewEntityReader::planarArc(const DxfObject& tags, double cx, double cy
 
 bool HostViewEntityReader::readKind(const OdDbEntity& entity, const DxfObject& tags, bool inBlock) {
   const std::string_view type = tags.type();
-  if (type == "LINE") {
+  if (type == "LINE" || type == "3DLINE") {
     double v[4];
     if (!readReals(tags, {10, 20, 11, 21}, v)) return false;
     polyline({{v[0], v[1]}, {v[2], v[3]}}, false);
@@ -251,7 +251,24 @@ bool HostViewEntityReader::readKind(const OdDbEntity& entity, const DxfObject& t
     in.transform.tx = base.x, in.transform.ty = base.y;
     return true;
   }
+  if (type == "ACAD_TABLE") {
+    // A table shows the anonymous block of its cells, placed at its insertion point along its
+    // horizontal direction.
+    const std::size_t name = tags.find(2);
+    const std::int32_t block = name == DxfObject::npos ? -1 : tables_.block(tags.text(name));
+    double at[2];
+    if (block < 0 || !readReals(tags, {10, 20}, at)) return false;
+    const double angle = std::atan2(realOr(tags, 21, 0.0), realOr(tags, 11, 1.0));
+    HostViewPrimitive& p = begin(Kind::Insert);
+    p.extra = static_cast<std::uint32_t>(g_.inserts.size());
+    HostViewInsert& in = g_.inserts.emplace_back();
+    in.block = block;
+    const double c = std::cos(angle), s = std::sin(angle);
+    in.transform = {c, s, -s, c, at[0], at[1]};
+    return true;
+  }
   if (type == "LEADER") return leader(tags);
+  if (type == "WIPEOUT") return wipeout(tags);
   return false;
 }
 
@@ -492,6 +509,32 @@ bool HostViewEntityReader::insert(const OdDbEntity& entity, const DxfObject& tag
     text(at, false, false);
   }
   look_ = insertLook;
+  return true;
+}
+
+bool HostViewEntityReader::wipeout(const DxfObject& tags) {
+  // The clip boundary (14/24) is in the unit image's pixels, y down from its top left corner;
+  // the image's pixel vectors (11, 12) place it from the insertion point (10).
+  double v[6];
+  if (!readReals(tags, {10, 20, 11, 21, 12, 22}, v)) return false;
+  std::vector<HostViewVec> corners;
+  for (std::size_t i = 0; i + 1 < tags.size(); ++i)
+    if (tags.code(i) == 14 && tags.code(i + 1) == 24)
+      corners.push_back({tags.real(i), tags.real(i + 1)});
+  if (corners.size() == 2)  // a rectangle by two opposite corners
+    corners = {corners[0], {corners[1].x, corners[0].y}, corners[1], {corners[0].x, corners[1].y}};
+  if (corners.size() < 3) return false;
+  const double height = realOr(tags, 23, 1.0);
+  HostViewPrimitive& p = begin(Kind::Polygon);
+  p.colour = HostViewColour::kBackground;
+  for (const HostViewVec& c : corners) {
+    const double a = c.x + 0.5, b = height - c.y - 0.5;
+    g_.points.push_back({v[0] + v[2] * a + v[4] * b, v[1] + v[3] * a + v[5] * b});
+  }
+  p.count = static_cast<std::uint32_t>(corners.size());
+  p.rings = 1;
+  p.extra = static_cast<std::uint32_t>(g_.ringSizes.size());
+  g_.ringSizes.push_back(p.count);
   return true;
 }
 

@@ -49,5 +49,6 @@ class HostViewRenderer {
  private:
   // Implementation's own; see the .cpp.
   std::vector<std::uint32_t> hits_;
+  std::vector<std::uint64_t> seen_;  // a bit per entity slot, to put many hits in order
   HostViewTessellator tessellator_;
 };
