@@ -13,7 +13,9 @@
 #include "HostViewRenderer.h"
 #include "HostViewScene.h"
 #include "OdDbDatabase.h"
+#include "OdDbLayerTableRecord.h"
 #include "OdDbObject.h"
+#include "OdDbSymbolTable.h"
 #include "OdError.h"
 #include "QtHostSupport.h"
 
@@ -65,6 +67,9 @@ msp.add_xline((0, 29), (1, 0))
 msp.add_leader([(42, 22), (48, 22), (50, 24)])
 msp.add_linear_dim(base=(45, 33), p1=(42, 30), p2=(52, 30)).render()
 msp.add_mesh().vertices = [(54, 30, 0), (56, 30, 0), (55, 32, 0)]
+msp.add_line((50, 35), (58, 35))
+msp.add_wipeout([(52, 34), (54, 34), (54, 36), (52, 36)])
+msp.add_line((53, 34.5), (53, 37))
 doc.saveas(path)
 )";
 
@@ -212,6 +217,9 @@ void HostViewRenderTest::drawsEveryKindWhereItBelongs() {
   // The leader's line, and the dimension drawn from its block.
   QVERIFY(inked(image, view, 45, 22));
   QVERIFY(inked(image, view, 47, 33, 2));
+  // A wipeout hides the line drawn before it, not the one drawn after.
+  QVERIFY(inked(image, view, 51, 35) && !inked(image, view, 52.5, 35, 1));
+  QVERIFY(inked(image, view, 53, 35.5));
 
   // A highlighted entity is drawn over the rest in the highlight colour.
   const std::unordered_set<std::uint32_t> highlighted{0};
@@ -230,9 +238,24 @@ void HostViewRenderTest::drawsEveryKindWhereItBelongs() {
   }
   scene.refreshObject(third);
   QCOMPARE(scene.entityIndex(third), std::int64_t(2));
+  // Thawed in the layer table: its line shows.
+  {
+    OdDbObjectPtr table = db->getLayerTableId().openObject();
+    const OdDbObjectId frozen = OdDbSymbolTable::cast(table.get())->getAt(OdString(L"Frozen"));
+    OdDbObjectPtr layer = frozen.safeOpenObject(OdDb::kForWrite);
+    OdDbLayerTableRecord::cast(layer.get())->setIsFrozen(false);
+    scene.refreshObject(frozen);
+  }
+  // Read again and again, an entity's old primitives are compacted away, never piling up.
+  const std::size_t primitives = scene.geometry().primitives.size();
+  const OdDbObjectId outer = scene.entities()[9].id, loop = scene.entities()[10].id;
+  for (int i = 0; i < 100; ++i) scene.refreshObject(outer), scene.refreshObject(loop);
+  QVERIFY(scene.geometry().primitives.size() <= 2 * primitives + 1);
   const QImage after = render(scene, view);
   QVERIFY(!inked(after, view, 5, 1, 2) && !inked(after, view, 5, 4, 2));
-  QVERIFY(inked(after, view, 9, 10));
+  QVERIFY(inked(after, view, 5, 2.5) && inked(after, view, 9, 10));
+  QVERIFY(hasColour(after, view, 31, 11, Qt::magenta) && inked(after, view, 58, 1.25));
+  QVERIFY(inkInBox(after, view, 30, 24, 32, 25) && inked(after, view, 35, 28));
 }
 
 void HostViewRenderTest::paintsEveryReadableCorpusDrawing() {
