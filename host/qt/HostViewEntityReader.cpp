@@ -42,6 +42,23 @@ double sweepOf(double start, double end) {
   if (sweep <= 1e-12) sweep += 2 * kPi;
   return sweep;
 }
+// Adds to `box` the curve c + m cos t + n sin t for t from `start` to `end` (end >= start): its
+// ends and the parameters where x or y turns.
+void addArc(HostViewBox& box, const HostViewVec& c, const HostViewVec& m, const HostViewVec& n,
+            double start, double end) {
+  auto add = [&](double t) {
+    box.add(c.x + m.x * std::cos(t) + n.x * std::sin(t),
+            c.y + m.y * std::cos(t) + n.y * std::sin(t));
+  };
+  add(start), add(end);
+  for (const double turn : {std::atan2(n.x, m.x), std::atan2(n.y, m.y)}) {
+    for (double t = turn; t < turn + 2 * kPi; t += kPi) {
+      const double at = start + std::fmod(std::fmod(t - start, 2 * kPi) + 2 * kPi, 2 * kPi);
+      if (at <= end) add(at);
+    }
+  }
+}
+
 std::string typeName(const DxfObject& tags) {
   const std::string_view type = tags.type();
   return type.empty() ? std::string("(no type)") : std::string(type);
@@ -597,11 +614,9 @@ HostViewBox HostViewEntityReader::extents(const HostViewGeometry& g, std::uint32
           const double toCentre = radius * std::cos(angle / 2);
           const double cx = q.x + dx / 2 - dy / chord * toCentre;
           const double cy = q.y + dy / 2 + dx / chord * toCentre;
-          const double start = std::atan2(q.y - cy, q.x - cx);
-          for (int s = 1; s < 32; ++s) {
-            const double t = start + angle * s / 32;
-            box.add(cx + std::abs(radius) * std::cos(t), cy + std::abs(radius) * std::sin(t));
-          }
+          const double start = std::atan2(q.y - cy, q.x - cx), rr = std::abs(radius);
+          addArc(box, {cx, cy}, {rr, 0}, {0, rr}, std::min(start, start + angle),
+                 std::max(start, start + angle));
         }
         break;
       }
@@ -611,16 +626,7 @@ HostViewBox HostViewEntityReader::extents(const HostViewGeometry& g, std::uint32
         const double ratio = g.reals[p.extra], start = g.reals[p.extra + 1],
                      end = g.reals[p.extra + 2];
         const HostViewVec n{-m.y * ratio, m.x * ratio};
-        if (end - start >= 2 * kPi - 1e-9) {
-          const double hx = std::hypot(m.x, n.x), hy = std::hypot(m.y, n.y);
-          box.add(c.x - hx, c.y - hy), box.add(c.x + hx, c.y + hy);
-          break;
-        }
-        for (int s = 0; s <= 64; ++s) {
-          const double t = start + (end - start) * s / 64;
-          box.add(c.x + m.x * std::cos(t) + n.x * std::sin(t),
-                  c.y + m.y * std::cos(t) + n.y * std::sin(t));
-        }
+        addArc(box, c, m, n, start, std::max(start, end));
         break;
       }
       case Kind::Text: {

@@ -223,13 +223,48 @@ void HostViewTessellator::ellipse(const HostViewVec& centre, const HostViewVec& 
   const QPointF c = map(m, centre.x, centre.y);
   if (!QRectF(c.x() - reach, c.y() - reach, 2 * reach, 2 * reach).intersects(clip_)) return;
   std::vector<QPointF>& points = scratch_;
-  points.clear();
-  points.push_back(map(m, centre.x + major.x * std::cos(start) + minor.x * std::sin(start),
-                       centre.y + major.y * std::cos(start) + minor.y * std::sin(start)));
-  arc(centre.x, centre.y, major, minor, start, end, m, points);
-  const bool whole = end - start >= 2 * kPi - 1e-9;
-  if (whole) points.pop_back();
-  stroke(points, whole, pen);
+  auto piece = [&](double from, double to, bool closed) {
+    points.clear();
+    points.push_back(map(m, centre.x + major.x * std::cos(from) + minor.x * std::sin(from),
+                         centre.y + major.y * std::cos(from) + minor.y * std::sin(from)));
+    arc(centre.x, centre.y, major, minor, from, to, m, points);
+    if (closed) points.pop_back();
+    stroke(points, closed, pen);
+  };
+  // A curve far larger than the device (zoomed far in on it): only the stretch the device can
+  // see is tessellated, so that its chords stay within a fraction of a pixel of it.
+  if (reach > 4 * length(clip_.width(), clip_.height()) && !clip_.contains(c)) {
+    // On the device the curve is c + X cos t + Y sin t; the corners of the clip box, taken
+    // back to the unit circle, bound the parameters it can show.
+    const double xx = m.a * major.x + m.c * major.y, xy = m.b * major.x + m.d * major.y;
+    const double yx = m.a * minor.x + m.c * minor.y, yy = m.b * minor.x + m.d * minor.y;
+    const double det = xx * yy - yx * xy;
+    if (!(std::abs(det) > 0) || !std::isfinite(det)) return;
+    const QPointF corners[4] = {clip_.topLeft(), clip_.topRight(), clip_.bottomRight(),
+                                clip_.bottomLeft()};
+    double angles[4];
+    bool outside = false;
+    for (int i = 0; i < 4; ++i) {
+      const double dx = corners[i].x() - c.x(), dy = corners[i].y() - c.y();
+      const double u = (yy * dx - yx * dy) / det, v = (xx * dy - xy * dx) / det;
+      outside = outside || u * u + v * v > 1;
+      angles[i] = std::atan2(v, u);
+    }
+    if (!outside) return;  // the whole device lies inside the curve
+    // The centre is off the device, so the corners span less than half a turn.
+    double low = 0, high = 0;
+    for (int i = 1; i < 4; ++i) {
+      const double d = std::remainder(angles[i] - angles[0], 2 * kPi);
+      low = std::min(low, d), high = std::max(high, d);
+    }
+    for (int turn = -2; turn <= 2; ++turn) {
+      const double from = std::max(start, angles[0] + low + 2 * kPi * turn);
+      const double to = std::min(end, angles[0] + high + 2 * kPi * turn);
+      if (from < to) piece(from, to, false);
+    }
+    return;
+  }
+  piece(start, end, end - start >= 2 * kPi - 1e-9);
 }
 
 QPolygonF HostViewTessellator::clipRing(const QPolygonF& ring) const {

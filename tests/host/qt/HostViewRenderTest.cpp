@@ -76,6 +76,7 @@ msp.add_line((53, 34.5), (53, 37))
 msp.add_blockref('ZERO', (45, 37), dxfattribs={'layer': 'Blue'})
 msp.add_blockref('ZERO', (49, 37), dxfattribs={'layer': 'Frozen'})
 msp.add_attdef('TAG', (40, 36), dxfattribs={'height': 1})
+msp.add_arc((30, 39.5 - 1e8), 1e8, 10, 175)
 doc.saveas(path)
 )";
 
@@ -234,6 +235,17 @@ void HostViewRenderTest::drawsEveryKindWhereItBelongs() {
   QVERIFY(inked(image, view, 51, 35) && !inked(image, view, 52.5, 35, 1));
   QVERIFY(inked(image, view, 53, 35.5));
 
+  // An arc of a circle a hundred million units across, touching y = 39.5 at x = 30: seen from
+  // a hundred thousand pixels a unit it runs along that row, not off by its chords' error.
+  {
+    HostViewTransform close;
+    close.centre = {30, 39.5};
+    close.scale = 1e5;
+    close.device = QSizeF(200, 100);
+    const QImage near = render(scene, close);
+    QVERIFY(inked(near, close, 30, 39.5) && inked(near, close, 30.0009, 39.5));
+    QVERIFY(!inked(near, close, 30, 39.5003, 2) && !inked(near, close, 30, 39.4997, 2));
+  }
   // On a light background colour 7 turns black; the red line stays red.
   const QImage light = render(scene, view, nullptr, Qt::white);
   QVERIFY(hasColour(light, view, 9, 10, Qt::black) && hasColour(light, view, 5, 1, Qt::red));
