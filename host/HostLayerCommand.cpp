@@ -7,7 +7,9 @@
 
 #include "HostApplication.h"
 #include "HostFormat.h"
+#include "HostLayerRules.h"
 #include "OdDbDatabase.h"
+#include "OdDbDictionary.h"
 #include "OdDbLayerTable.h"
 #include "OdDbLayerTableRecord.h"
 #include "OdDbLinetypeTable.h"
@@ -20,9 +22,23 @@ HostApplication& app() {
   return HostApplication::running();
 }
 
-enum Option { kNew, kColor, kLtype, kSet, kRename, kOn, kOff, kFreeze, kThaw, kOptionCount };
-constexpr const wchar_t* kOptionNames[kOptionCount] = {
-    L"NEW", L"COLOR", L"LTYPE", L"SET", L"RENAME", L"ON", L"OFF", L"FREEZE", L"THAW"};
+enum Option {
+  kNew,
+  kColor,
+  kLtype,
+  kLweight,
+  kSet,
+  kRename,
+  kOn,
+  kOff,
+  kFreeze,
+  kThaw,
+  kDelete,
+  kOptionCount
+};
+constexpr const wchar_t* kOptionNames[kOptionCount] = {L"NEW",    L"COLOR",  L"LTYPE", L"LWEIGHT",
+                                                       L"SET",    L"RENAME", L"ON",    L"OFF",
+                                                       L"FREEZE", L"THAW",   L"DELETE"};
 
 // The option `word` names, whole or by a beginning no other option shares; -1 for none.
 int matchOption(const OdString& word) {
@@ -62,12 +78,6 @@ OdDbLayerTableRecordPtr openLayer(OdDbDatabase& db, const OdString& name,
   return id.isNull() ? OdDbLayerTableRecordPtr() : OdDbLayerTableRecordPtr(id.safeOpenObject(mode));
 }
 
-// The layer $CLAYER names; "0" when the drawing names none.
-OdString currentLayer(const OdDbDatabase& db) {
-  OdResBufPtr value = db.getHeaderVariable(L"$CLAYER");
-  return value.isNull() ? OdString(L"0") : value->getString();
-}
-
 void setCurrentLayer(OdDbDatabase& db, const OdString& name) {
   OdResBufPtr value = OdResBuf::newRb(8, name);
   db.setHeaderVariable(L"$CLAYER", value.get());
@@ -91,7 +101,8 @@ bool HostLayerCommand::execute() {
   OdDbDatabase* db = app().currentDatabase();
   if (!db) return fail(L"no document is open");
   OdString word;
-  if (!ask(L"Enter an option [New/Color/Ltype/Set/Rename/ON/OFF/Freeze/Thaw]: ", word))
+  if (!ask(L"Enter an option [New/Color/Ltype/LWeight/Set/Rename/ON/OFF/Freeze/Thaw/Delete]: ",
+           word))
     return false;
   const int option = matchOption(word);
   try {
@@ -102,6 +113,8 @@ bool HostLayerCommand::execute() {
         return setColor(*db);
       case kLtype:
         return setLinetype(*db);
+      case kLweight:
+        return setLineweight(*db);
       case kSet:
         return setCurrent(*db);
       case kRename:
@@ -111,9 +124,12 @@ bool HostLayerCommand::execute() {
       case kFreeze:
       case kThaw:
         return setState(*db, option);
+      case kDelete:
+        return erase(*db);
       default:
         return fail(
-            L"unknown option \"%ls\"; give New, Color, Ltype, Set, Rename, ON, OFF, Freeze or Thaw",
+            L"unknown option \"%ls\"; give New, Color, Ltype, LWeight, Set, Rename, ON, OFF, "
+            L"Freeze, Thaw or Delete",
             word.c_str());
     }
   } catch (const OdError& e) {
@@ -158,11 +174,32 @@ bool HostLayerCommand::setLinetype(OdDbDatabase& db) {
   OdDbLinetypeTablePtr linetypes = db.getLinetypeTableId().safeOpenObject();
   const OdDbObjectId linetype = linetypes->getAt(linetypeName);
   if (linetype.isNull()) return fail(L"the drawing has no linetype %ls", linetypeName.c_str());
+  if (linetypeName.iCompare(L"ByLayer") == 0 || linetypeName.iCompare(L"ByBlock") == 0)
+    return fail(L"a layer cannot have the linetype %ls", linetypeName.c_str());
   OdDbLayerTableRecordPtr layer = openLayer(db, name, OdDb::kForWrite);
   if (layer.isNull()) return fail(L"the drawing has no layer %ls", name.c_str());
   layer->setLinetypeObjectId(linetype);
   app().cmdPrintf(L"Layer %ls now has linetype %ls\n", layer->getName().c_str(),
                   layer->linetypeName().c_str());
+  return true;
+}
+
+bool HostLayerCommand::setLineweight(OdDbDatabase& db) {
+  OdString text;
+  OdString name;
+  if (!ask(L"Lineweight in mm (0.00-2.11 or Default): ", text) || !ask(L"Layer to give it: ", name))
+    return false;
+  OdDb::LineWeight weight;
+  if (!HostLayerRules::parseLineweight(text, weight))
+    return fail(L"lineweight \"%ls\" is not one of 0.00, 0.05 ... 2.11 mm or Default",
+                text.c_str());
+  if (db.formatRelease() < HostLayerRules::kFirstReleaseWithLineweights)
+    return fail(L"the drawing's format %ls keeps no lineweights", db.versionString().c_str());
+  OdDbLayerTableRecordPtr layer = openLayer(db, name, OdDb::kForWrite);
+  if (layer.isNull()) return fail(L"the drawing has no layer %ls", name.c_str());
+  layer->setLineWeight(weight);
+  app().cmdPrintf(L"Layer %ls now has lineweight %ls\n", layer->getName().c_str(),
+                  HostLayerRules::lineweightText(weight).c_str());
   return true;
 }
 
@@ -202,7 +239,7 @@ bool HostLayerCommand::rename(OdDbDatabase& db) {
     if (r.link == OdDbDatabase::RecordLink::kName &&
         std::find(holders.begin(), holders.end(), r.holder) == holders.end())
       holders.push_back(r.holder);
-  const bool wasCurrent = currentLayer(db).iCompare(oldName) == 0;
+  const bool wasCurrent = HostLayerRules::currentLayer(db).iCompare(oldName) == 0;
   {
     OdDbLayerTableRecordPtr record = id.safeOpenObject(OdDb::kForWrite);
     record->setName(newName);
@@ -224,7 +261,7 @@ bool HostLayerCommand::setState(OdDbDatabase& db, int option) {
   if (!ask(kPrompts[state], name)) return false;
   OdDbLayerTableRecordPtr layer = openLayer(db, name, OdDb::kForWrite);
   if (layer.isNull()) return fail(L"the drawing has no layer %ls", name.c_str());
-  if (option == kFreeze && currentLayer(db).iCompare(layer->getName()) == 0)
+  if (option == kFreeze && HostLayerRules::currentLayer(db).iCompare(layer->getName()) == 0)
     return fail(L"layer %ls is current and cannot be frozen", layer->getName().c_str());
   switch (option) {
     case kOn:
@@ -236,5 +273,36 @@ bool HostLayerCommand::setState(OdDbDatabase& db, int option) {
       break;
   }
   app().cmdPrintf(L"Layer %ls %ls\n", layer->getName().c_str(), kDone[state]);
+  return true;
+}
+
+bool HostLayerCommand::erase(OdDbDatabase& db) {
+  OdString name;
+  if (!ask(L"Layer to delete: ", name)) return false;
+  OdDbLayerTableRecordPtr layer = openLayer(db, name);
+  if (layer.isNull()) return fail(L"the drawing has no layer %ls", name.c_str());
+  name = layer->getName();
+  if (const OdString why = HostLayerRules::whyNotDeletable(db, layer->objectId()); !why.isEmpty())
+    return fail(L"layer %ls cannot be deleted: %ls", name.c_str(), why.c_str());
+  // What the layer owns goes with it, so that no object is left whose owner is gone: its
+  // extension dictionary and the entries that dictionary owns.
+  const OdDbObjectId id = layer->objectId();
+  const OdDbObjectId dictId = layer->extensionDictionary();
+  layer.release();
+  if (!dictId.isNull()) {
+    std::vector<OdDbObjectId> entries;
+    {
+      OdDbDictionaryPtr dict = dictId.safeOpenObject();
+      for (OdDbDictionaryIteratorPtr it = dict->newIterator(); !it->done(); it->next())
+        entries.push_back(it->objectId());
+    }
+    for (const OdDbObjectId& entry : entries)
+      if (OdDbObjectPtr owned = entry.openObject(OdDb::kForWrite);
+          !owned.isNull() && owned->ownerId() == dictId)
+        owned->erase();
+    OdDbObjectPtr(dictId.safeOpenObject(OdDb::kForWrite))->erase();
+  }
+  OdDbObjectPtr(id.safeOpenObject(OdDb::kForWrite))->erase();
+  app().cmdPrintf(L"Layer %ls deleted\n", name.c_str());
   return true;
 }

@@ -28,7 +28,8 @@
 #include "HostQtCommandLine.h"
 #include "HostQtFront.h"
 #include "HostSilentCheck.h"
-#include "OdDbLayerTableRecord.h"
+#include "LayersDock.h"
+#include "OdDbEntity.h"
 #include "OdDbSymbolTable.h"
 
 namespace {
@@ -115,9 +116,9 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
   statusBar()->addPermanentWidget(coordinates_);
   statusBar()->showMessage(tr("Ready"));
 
+  layersDock_ = createLayersDock();
   buildMenus();
   buildToolBar();
-  layersDock_ = createLayersDock();
   app_.documents().addReactor(this);
   app_.addInputContextReactor(this);
   restoreLayout();
@@ -125,6 +126,7 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
   commandLine_->input()->setFocus();
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 DesktopWindow::~DesktopWindow() {
@@ -201,6 +203,7 @@ void DesktopWindow::buildMenus() {
   darkAction_ = view->addAction(tr("&Dark Background"), this, &DesktopWindow::setDarkBackground);
   darkAction_->setCheckable(true);
   view->addSeparator();
+  view->addAction(layersDock_->toggleViewAction());
   view->addAction(commandDock_->toggleViewAction());
 }
 
@@ -218,8 +221,13 @@ void DesktopWindow::buildToolBar() {
 }
 
 QDockWidget* DesktopWindow::createLayersDock() {
-  // TODO: add the layers panel (LayersPanel) here in a dock titled "Layers" once it exists.
-  return nullptr;
+  QDockWidget* dock = makeLayersDock(app_, this);
+  dock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable |
+                    QDockWidget::DockWidgetClosable);
+  addDockWidget(Qt::RightDockWidgetArea, dock);
+  // Wide enough for the layer names beside their properties; the drawing keeps the most room.
+  resizeDocks({dock}, {480}, Qt::Horizontal);
+  return dock;
 }
 
 void DesktopWindow::updateLayerList() {
@@ -407,6 +415,7 @@ void DesktopWindow::onDocumentBecameCurrent(HostDocument* doc) {
   }
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 void DesktopWindow::onDocumentClosing(HostDocument* doc) {
@@ -431,6 +440,7 @@ void DesktopWindow::onDocumentRenamed(HostDocument* doc, const OdString&) {
 void DesktopWindow::onNoDocumentCurrent() {
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 void DesktopWindow::afterCommand(const OdString&) {
@@ -439,6 +449,7 @@ void DesktopWindow::afterCommand(const OdString&) {
     if (auto* view = qobject_cast<HostDrawingView*>(tabs_->widget(i))) view->selectionChanged();
   updateTitles();
   updateActions();
+  updateLayerList();
 }
 
 bool DesktopWindow::askToSaveAll() {
@@ -483,13 +494,18 @@ void DesktopWindow::closeEvent(QCloseEvent* event) {
 }
 
 void DesktopWindow::keyPressEvent(QKeyEvent* event) {
+  // Keys the view leaves (it keeps Escape and space) come here; printable ones are the start
+  // of a command. The guard stops a key the line also leaves from coming round again.
+  static bool forwarding = false;
   QLineEdit* input = commandLine_->input();
-  if (event->text().isEmpty() || !event->text().at(0).isPrint() || input->hasFocus()) {
+  if (forwarding || event->text().isEmpty() || !event->text().at(0).isPrint()) {
     QMainWindow::keyPressEvent(event);
     return;
   }
+  forwarding = true;
   input->setFocus();
   QCoreApplication::sendEvent(input, event);
+  forwarding = false;
 }
 
 void DesktopWindow::dragEnterEvent(QDragEnterEvent* event) {

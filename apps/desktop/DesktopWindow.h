@@ -22,9 +22,9 @@ class QTabWidget;
 
 // The main window of the desktop host: one tab per open document, each a drawing view of its
 // model space (the current tab is the host's current document), the File, Standards and View
-// menus, a toolbar with the layer of the selection, the command line docked at the bottom and
-// the status bar (the cursor's drawing coordinates, the view's messages, and what modules
-// place there).
+// menus, a toolbar with the layer of the selection, the layers panel docked at the right, the
+// command line docked at the bottom and the status bar (the cursor's drawing coordinates, the
+// view's messages, and what modules place there).
 //
 // Every menu item sends a command through the host's command line, so a menu, a typed command
 // and a script take one path. The window follows the document manager (a document opened,
@@ -56,6 +56,8 @@ class DesktopWindow : public QMainWindow,
   // selection is on several, the current layer greyed when nothing is selected. Choosing one
   // moves the selection there (CHANGE LAYER), or makes it current when nothing is selected.
   QComboBox* layerList() const { return layerList_; }
+  // The dock of the layers panel (LayersPanel), titled "Layers".
+  QDockWidget* layersDock() const { return layersDock_; }
   // The permanent status-bar label with the cursor's drawing coordinates.
   QLabel* coordinates() const { return coordinates_; }
 

@@ -93,7 +93,10 @@ HostDrawingView::HostDrawingView(HostDocument* doc, QWidget* parent) : QWidget(p
   follower_ = OdRxObjectImpl<Follower>::createObject(this);
   db->addReactor(follower_.get());
   database_ = db;
-  view_.device = QSizeF(size());
+  // At the extents from the start, so the transform means something before the first paint
+  // (a plot of a view never shown); refitted once the widget has its size.
+  view_ = HostViewTransform::fit(scene_->extents(), QSizeF(size()), kFitMargin);
+  atExtents_ = true;
   // Told once the window has connected to the signal.
   QTimer::singleShot(0, this, [this] {
     lastSummary_ = scene_->unsupportedSummary();

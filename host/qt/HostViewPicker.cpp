@@ -70,7 +70,8 @@ class Walker {
 
  protected:
   virtual void edge(const HostViewVec& a, const HostViewVec& b) = 0;
-  virtual void line(const HostViewVec& a, const HostViewVec& b) = 0;
+  // The line from `a` through `b` and on; with `bothWays`, back past `a` too.
+  virtual void line(const HostViewVec& a, const HostViewVec& b, bool bothWays) = 0;
   // Rings of points, filled by the odd-even rule; their edges come separately.
   virtual void area(const std::vector<HostViewVec>& points,
                     const std::vector<std::uint32_t>& ringSizes) = 0;
@@ -98,9 +99,9 @@ class Walker {
     return i < g_.points.size() ? m.map(g_.points[i]) : HostViewVec{};
   }
 
-  void chord(const HostViewVec& a, const HostViewVec& b) {
+  void chord(const HostViewVec& a, const HostViewVec& b, bool bothWays) {
     if (unbounded_)
-      line(a, b);
+      line(a, b, bothWays);
     else
       edge(a, b);
   }
@@ -110,7 +111,7 @@ class Walker {
                   const HostViewAffine& m) {
     const double c = std::hypot(p1.x - p0.x, p1.y - p0.y);
     if (!(std::abs(bulge) > 1e-9) || !std::isfinite(bulge) || c == 0) {
-      chord(m.map(p0), m.map(p1));
+      edge(m.map(p0), m.map(p1));
       return;
     }
     const double offset = (c / 2) * (1 - bulge * bulge) / (2 * bulge);
@@ -147,7 +148,7 @@ class Walker {
           if (bulges)
             bulgedEdge(a, b, g_.bulges[p.first + k], m);
           else
-            chord(m.map(a), m.map(b));
+            chord(m.map(a), m.map(b), p.flags & HostViewPrimitive::kClosed);
         }
         return;
       }
@@ -253,11 +254,12 @@ class DistanceWalker : public Walker {
     best = std::min(best, segmentDistance(at_, a, b));
     done = best == 0;
   }
-  void line(const HostViewVec& a, const HostViewVec& b) override {
-    const HostViewVec ab = sub(b, a);
+  void line(const HostViewVec& a, const HostViewVec& b, bool bothWays) override {
+    const HostViewVec ab = sub(b, a), ap = sub(at_, a);
     const double len = std::hypot(ab.x, ab.y);
-    best = std::min(best, len > 0 ? std::abs(cross(ab, sub(at_, a))) / len
-                                  : std::hypot(at_.x - a.x, at_.y - a.y));
+    const bool behind = !bothWays && ap.x * ab.x + ap.y * ab.y < 0;
+    best =
+        std::min(best, len > 0 && !behind ? std::abs(cross(ab, ap)) / len : std::hypot(ap.x, ap.y));
   }
   void area(const std::vector<HostViewVec>& pts, const std::vector<std::uint32_t>& sizes) override {
     bool inside = false;
@@ -296,9 +298,20 @@ class CrossingWalker : public Walker {
   void edge(const HostViewVec& a, const HostViewVec& b) override {
     done = meets = segmentMeets(a, b, window_);
   }
-  void line(const HostViewVec& a, const HostViewVec& b) override {
-    // Meets unless every corner lies strictly on one side.
+  void line(const HostViewVec& a, const HostViewVec& b, bool bothWays) override {
     const HostViewVec d = sub(b, a);
+    if (!bothWays) {
+      // A ray: a segment long enough to pass every corner of the window.
+      const double len = std::hypot(d.x, d.y);
+      if (!(len > 0)) return;
+      const double reach =
+          std::hypot(std::max(std::abs(window_.minX - a.x), std::abs(window_.maxX - a.x)),
+                     std::max(std::abs(window_.minY - a.y), std::abs(window_.maxY - a.y)));
+      const double t = (reach + 1) / len;
+      done = meets = segmentMeets(a, {a.x + d.x * t, a.y + d.y * t}, window_);
+      return;
+    }
+    // Meets unless every corner lies strictly on one side.
     int below = 0, above = 0;
     for (const HostViewVec& c :
          {HostViewVec{window_.minX, window_.minY}, HostViewVec{window_.maxX, window_.minY},

@@ -10,8 +10,8 @@
 // and ellipses as fine chords, text as the box of its line, filled areas by their inside) and
 // leaves out what is not drawn (entities and primitives on layers off or frozen).
 //
-// Construction lines and rays count as whole infinite lines through their two points. The
-// scene is not owned and must outlive the picker; nothing here throws but std::bad_alloc.
+// Construction lines run both ways from their base point, rays one way. The scene is not owned and
+// must outlive the picker; nothing here throws but std::bad_alloc.
 class HostViewPicker {
  public:
   explicit HostViewPicker(const HostViewScene& scene) : scene_(scene) {}

@@ -1,10 +1,15 @@
 // The desktop host's window driven as a drafter drives it: commands typed on the command
-// line, menu items, tabs, closing with unsaved changes, dropped files, and the standards
-// module loaded from the configuration, all on real drawings and a real configuration file.
+// line, menu items, tabs, the drawing view's layer list and status bar, plotting, closing with
+// unsaved changes, dropped files, and the standards module loaded from the configuration, all
+// on real drawings and a real configuration file.
 
 #include <QAction>
+#include <QComboBox>
+#include <QDockWidget>
+#include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QStatusBar>
 #include <QTabWidget>
 #include <QUrl>
 #include <fstream>
@@ -12,6 +17,7 @@
 #include "DesktopTestSupport.h"
 #include "HostConfigTree.h"
 #include "HostDocument.h"
+#include "HostDrawingView.h"
 #include "OdDbSymbolTable.h"
 #include "StAppServices.h"
 #include "StManager.h"
@@ -101,6 +107,83 @@ class DesktopWindowTest : public QObject {
     QCOMPARE(QString::fromStdString(layers),
              QString("Kitchen 3 False False\nCorridor -7 True False\nStore 7 False False\n"
                      "Kitchen {'Kitchen'}\n"));
+  }
+
+  // The toolbar's layer list shows the selection's layer and moves the selection to the layer
+  // chosen (a name with a blank too), the same path as typing CHANGE LAYER; the status bar
+  // shows the cursor's coordinates; the background is remembered; PLOT writes the view.
+  void layerListCoordinatesAndPlot() {
+    {
+      Desktop d(config);
+      d.window->sendWithPath("OPEN", QString::fromStdString(plan.string()));
+      QComboBox* layers = d.window->layerList();
+      d.type("-LAYER NEW \"Wet Room\"");
+      d.type("SELECT ALL");
+      const int wet = layers->findText("Wet Room");
+      QVERIFY2(wet >= 0, d.transcript().c_str());
+      emit layers->activated(wet);
+      QVERIFY2(d.transcript().find("entities moved to layer Wet Room") != std::string::npos,
+               d.transcript().c_str());
+      QCOMPARE(layers->currentText(), QString("Wet Room"));
+      d.type("SELECT NONE");
+      QCOMPARE(layers->currentIndex(), -1);
+      QVERIFY(!layers->placeholderText().isEmpty());
+
+      HostDrawingView* view = d.window->viewOf(d.app->documents().curDocument());
+      QVERIFY(view && QTest::qWaitForWindowExposed(d.window.get()));
+      const QPoint middle(view->width() / 2, view->height() / 2);
+      QTest::mouseMove(view, middle);
+      const HostViewVec at = view->transform().toDrawing(middle);
+      const QStringList shown = d.window->coordinates()->text().split(", ");
+      QCOMPARE(shown.size(), 2);
+      QVERIFY(std::abs(shown[0].toDouble() - at.x) < 0.01 &&
+              std::abs(shown[1].toDouble() - at.y) < 0.01);
+
+      // Typing over the view goes to the command line.
+      QTest::mouseClick(view, Qt::LeftButton, {}, middle);
+      QTest::keyClicks(view, "zoom");
+      QCOMPARE(d.window->commandLine()->input()->text(), QString("zoom"));
+      d.window->commandLine()->input()->clear();
+
+      QAction* dark = menuAction(*d.window, "View", "Dark Background");
+      QVERIFY(dark && dark->isChecked() && view->darkBackground());
+      dark->trigger();
+      QVERIFY(!view->darkBackground());
+
+      const fs::path pdf = dir.path() / "plan.pdf";
+      d.window->sendWithPath("PLOT", QString::fromStdString(pdf.string()));
+      QVERIFY2(testsupport::readBytes(pdf).rfind("%PDF-", 0) == 0, d.transcript().c_str());
+      d.type("SAVE");
+    }
+    QVERIFY(
+        testsupport::ezdxf("print({e.dxf.layer for e in ezdxf.readfile(path).modelspace()})", plan)
+            .output == "{'Wet Room'}\n");
+    auto tree = HostConfigTree::open(config);
+    auto dark = tree->getValue({"Desktop"}, "DarkBackground");
+    QVERIFY(dark && !dark->getBool());
+  }
+
+  // The window with a real many-layered drawing, for a person to look at.
+  void screenshotOfARealDrawing() {
+    const fs::path drawing = testsupport::corpusDir() / "r14_dxf2gcode_uap212718_33layers.dxf";
+    if (testsupport::corpusDir().empty() || !fs::exists(drawing))
+      QSKIP("the shared corpus of drawings is absent");
+    Desktop d(config);
+    d.window->sendWithPath("OPEN", QString::fromStdString(drawing.string()));
+    QVERIFY(QTest::qWaitForWindowExposed(d.window.get()));
+    HostDrawingView* view = d.window->viewOf(d.app->documents().curDocument());
+    QVERIFY(view && view->scene().entities().size() > 100);
+    QVERIFY(d.window->layersDock()->isVisible());
+    QCOMPARE(d.window->layersDock()->windowTitle(), QString("Layers"));
+    QTest::mouseMove(view, QPoint(view->width() / 3, view->height() / 3));
+    fs::create_directories("/tmp/staudit-qt-shots");
+    QVERIFY(d.window->grab().save("/tmp/staudit-qt-shots/stdesk-drawing.png"));
+    QVERIFY(view->lastStats().primitivesDrawn > 100);
+    // What could not be drawn is told on the status bar, once the drawing shows.
+    const QString notDrawn = view->scene().unsupportedSummary();
+    if (!notDrawn.isEmpty()) QTRY_COMPARE(d.window->statusBar()->currentMessage(), notDrawn);
+    menuAction(*d.window, "View", "Dark Background")->trigger();
+    QVERIFY(d.window->grab().save("/tmp/staudit-qt-shots/stdesk-drawing-light.png"));
   }
 
   // A command typed without its words prompts for them, answered from the line; Escape

