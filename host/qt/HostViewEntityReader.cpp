@@ -263,9 +263,13 @@ bool HostViewEntityReader::readKind(const OdDbEntity& entity, const DxfObject& t
     p.extra = static_cast<std::uint32_t>(g_.inserts.size());
     HostViewInsert& in = g_.inserts.emplace_back();
     in.block = block;
-    // The block holds the dimension as drawn, in world coordinates.
+    // The block holds the dimension as drawn, in world coordinates, moved by the insertion
+    // point of a copied dimension (12, in its own plane) when it has one.
     const HostViewVec base = tables_.blocks()[static_cast<std::size_t>(block)].base;
-    in.transform.tx = base.x, in.transform.ty = base.y;
+    double moved[2] = {0, 0};
+    HostViewVec shift{0, 0};
+    if (readReals(tags, {12, 22}, moved)) shift = Plane::of(tags, 32).map(moved[0], moved[1]);
+    in.transform.tx = base.x + shift.x, in.transform.ty = base.y + shift.y;
     return true;
   }
   if (type == "ACAD_TABLE") {
@@ -465,8 +469,11 @@ bool HostViewEntityReader::text(const DxfObject& tags, bool mtext, bool showTag)
   // An attribute or its definition flagged invisible (70 bit 1) shows nothing.
   if (!mtext && tags.type() != "TEXT" && (integerOr(tags, 70, 0) & 1)) return true;
   const std::size_t styleAt = tags.find(7);
-  const HostViewTextStyle& style =
+  HostViewTextStyle style =
       tables_.style(styleAt == DxfObject::npos ? OdString(L"STANDARD") : tags.text(styleAt));
+  // A style's fixed height is what new texts were given; a text that stores its own height is
+  // drawn at that height.
+  if (tags.find(40) != DxfObject::npos) style.fixedHeight = 0;
   std::vector<HostViewText> lines = mtext ? layout_.mtext(tags, style) : layout_.text(tags, style);
   if (showTag) {
     const std::size_t tag = tags.find(2);
