@@ -28,6 +28,7 @@ const char* kDrawing = R"(
 doc = ezdxf.new('R2010')
 doc.layers.add('Frozen', color=1).freeze()
 doc.layers.add('Blue', color=5)
+doc.styles.new('FIXED', dxfattribs={'font': 'DejaVuSans.ttf', 'height': 5})
 doc.linetypes.add('LONGDASH', pattern=[2.0, 1.5, -0.5], description='long dash')
 inner = doc.blocks.new('INNER')
 inner.add_circle((0, 0), 1, dxfattribs={'color': 0})
@@ -77,6 +78,7 @@ msp.add_blockref('ZERO', (45, 37), dxfattribs={'layer': 'Blue'})
 msp.add_blockref('ZERO', (49, 37), dxfattribs={'layer': 'Frozen'})
 msp.add_attdef('TAG', (40, 36), dxfattribs={'height': 1})
 msp.add_arc((30, 39.5 - 1e8), 1e8, 10, 175)
+msp.add_text('II', height=1, dxfattribs={'insert': (56, 24), 'style': 'FIXED'})
 doc.saveas(path)
 )";
 
@@ -229,6 +231,8 @@ void HostViewRenderTest::drawsEveryKindWhereItBelongs() {
   // Block contents on layer 0 take the insert's layer: its colour, and its being frozen.
   QVERIFY(hasColour(image, view, 46, 37, Qt::blue));
   QVERIFY(!inked(image, view, 50, 37, 2));
+  // A text of a style with a fixed height is drawn at the height it stores.
+  QVERIFY(inkInBox(image, view, 56, 24, 57.5, 25) && !inkInBox(image, view, 56, 25.6, 58, 27));
   // An attribute definition in model space shows its tag.
   QVERIFY(inkInBox(image, view, 40, 36, 42, 37));
   // A wipeout hides the line drawn before it, not the one drawn after.
