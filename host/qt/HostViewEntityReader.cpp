@@ -42,6 +42,23 @@ double sweepOf(double start, double end) {
   if (sweep <= 1e-12) sweep += 2 * kPi;
   return sweep;
 }
+// Adds to `box` the curve c + m cos t + n sin t for t from `start` to `end` (end >= start): its
+// ends and the parameters where x or y turns.
+void addArc(HostViewBox& box, const HostViewVec& c, const HostViewVec& m, const HostViewVec& n,
+            double start, double end) {
+  auto add = [&](double t) {
+    box.add(c.x + m.x * std::cos(t) + n.x * std::sin(t),
+            c.y + m.y * std::cos(t) + n.y * std::sin(t));
+  };
+  add(start), add(end);
+  for (const double turn : {std::atan2(n.x, m.x), std::atan2(n.y, m.y)}) {
+    for (double t = turn; t < turn + 2 * kPi; t += kPi) {
+      const double at = start + std::fmod(std::fmod(t - start, 2 * kPi) + 2 * kPi, 2 * kPi);
+      if (at <= end) add(at);
+    }
+  }
+}
+
 std::string typeName(const DxfObject& tags) {
   const std::string_view type = tags.type();
   return type.empty() ? std::string("(no type)") : std::string(type);
@@ -132,7 +149,7 @@ bool HostViewEntityReader::planarArc(const DxfObject& tags, double cx, double cy
 
 bool HostViewEntityReader::readKind(const OdDbEntity& entity, const DxfObject& tags, bool inBlock) {
   const std::string_view type = tags.type();
-  if (type == "LINE") {
+  if (type == "LINE" || type == "3DLINE") {
     double v[4];
     if (!readReals(tags, {10, 20, 11, 21}, v)) return false;
     polyline({{v[0], v[1]}, {v[2], v[3]}}, false);
@@ -246,12 +263,33 @@ bool HostViewEntityReader::readKind(const OdDbEntity& entity, const DxfObject& t
     p.extra = static_cast<std::uint32_t>(g_.inserts.size());
     HostViewInsert& in = g_.inserts.emplace_back();
     in.block = block;
-    // The block holds the dimension as drawn, in world coordinates.
+    // The block holds the dimension as drawn, in world coordinates, moved by the insertion
+    // point of a copied dimension (12, in its own plane) when it has one.
     const HostViewVec base = tables_.blocks()[static_cast<std::size_t>(block)].base;
-    in.transform.tx = base.x, in.transform.ty = base.y;
+    double moved[2] = {0, 0};
+    HostViewVec shift{0, 0};
+    if (readReals(tags, {12, 22}, moved)) shift = Plane::of(tags, 32).map(moved[0], moved[1]);
+    in.transform.tx = base.x + shift.x, in.transform.ty = base.y + shift.y;
+    return true;
+  }
+  if (type == "ACAD_TABLE") {
+    // A table shows the anonymous block of its cells, placed at its insertion point along its
+    // horizontal direction.
+    const std::size_t name = tags.find(2);
+    const std::int32_t block = name == DxfObject::npos ? -1 : tables_.block(tags.text(name));
+    double at[2];
+    if (block < 0 || !readReals(tags, {10, 20}, at)) return false;
+    const double angle = std::atan2(realOr(tags, 21, 0.0), realOr(tags, 11, 1.0));
+    HostViewPrimitive& p = begin(Kind::Insert);
+    p.extra = static_cast<std::uint32_t>(g_.inserts.size());
+    HostViewInsert& in = g_.inserts.emplace_back();
+    in.block = block;
+    const double c = std::cos(angle), s = std::sin(angle);
+    in.transform = {c, s, -s, c, at[0], at[1]};
     return true;
   }
   if (type == "LEADER") return leader(tags);
+  if (type == "WIPEOUT") return wipeout(tags);
   return false;
 }
 
@@ -431,8 +469,11 @@ bool HostViewEntityReader::text(const DxfObject& tags, bool mtext, bool showTag)
   // An attribute or its definition flagged invisible (70 bit 1) shows nothing.
   if (!mtext && tags.type() != "TEXT" && (integerOr(tags, 70, 0) & 1)) return true;
   const std::size_t styleAt = tags.find(7);
-  const HostViewTextStyle& style =
+  HostViewTextStyle style =
       tables_.style(styleAt == DxfObject::npos ? OdString(L"STANDARD") : tags.text(styleAt));
+  // A style's fixed height is what new texts were given; a text that stores its own height is
+  // drawn at that height.
+  if (tags.find(40) != DxfObject::npos) style.fixedHeight = 0;
   std::vector<HostViewText> lines = mtext ? layout_.mtext(tags, style) : layout_.text(tags, style);
   if (showTag) {
     const std::size_t tag = tags.find(2);
@@ -495,6 +536,32 @@ bool HostViewEntityReader::insert(const OdDbEntity& entity, const DxfObject& tag
   return true;
 }
 
+bool HostViewEntityReader::wipeout(const DxfObject& tags) {
+  // The clip boundary (14/24) is in the unit image's pixels, y down from its top left corner;
+  // the image's pixel vectors (11, 12) place it from the insertion point (10).
+  double v[6];
+  if (!readReals(tags, {10, 20, 11, 21, 12, 22}, v)) return false;
+  std::vector<HostViewVec> corners;
+  for (std::size_t i = 0; i + 1 < tags.size(); ++i)
+    if (tags.code(i) == 14 && tags.code(i + 1) == 24)
+      corners.push_back({tags.real(i), tags.real(i + 1)});
+  if (corners.size() == 2)  // a rectangle by two opposite corners
+    corners = {corners[0], {corners[1].x, corners[0].y}, corners[1], {corners[0].x, corners[1].y}};
+  if (corners.size() < 3) return false;
+  const double height = realOr(tags, 23, 1.0);
+  HostViewPrimitive& p = begin(Kind::Polygon);
+  p.colour = HostViewColour::kBackground;
+  for (const HostViewVec& c : corners) {
+    const double a = c.x + 0.5, b = height - c.y - 0.5;
+    g_.points.push_back({v[0] + v[2] * a + v[4] * b, v[1] + v[3] * a + v[5] * b});
+  }
+  p.count = static_cast<std::uint32_t>(corners.size());
+  p.rings = 1;
+  p.extra = static_cast<std::uint32_t>(g_.ringSizes.size());
+  g_.ringSizes.push_back(p.count);
+  return true;
+}
+
 bool HostViewEntityReader::leader(const DxfObject& tags) {
   std::vector<HostViewVec> points;
   for (std::size_t i = 0; i + 1 < tags.size(); ++i)
@@ -554,11 +621,9 @@ HostViewBox HostViewEntityReader::extents(const HostViewGeometry& g, std::uint32
           const double toCentre = radius * std::cos(angle / 2);
           const double cx = q.x + dx / 2 - dy / chord * toCentre;
           const double cy = q.y + dy / 2 + dx / chord * toCentre;
-          const double start = std::atan2(q.y - cy, q.x - cx);
-          for (int s = 1; s < 32; ++s) {
-            const double t = start + angle * s / 32;
-            box.add(cx + std::abs(radius) * std::cos(t), cy + std::abs(radius) * std::sin(t));
-          }
+          const double start = std::atan2(q.y - cy, q.x - cx), rr = std::abs(radius);
+          addArc(box, {cx, cy}, {rr, 0}, {0, rr}, std::min(start, start + angle),
+                 std::max(start, start + angle));
         }
         break;
       }
@@ -568,16 +633,7 @@ HostViewBox HostViewEntityReader::extents(const HostViewGeometry& g, std::uint32
         const double ratio = g.reals[p.extra], start = g.reals[p.extra + 1],
                      end = g.reals[p.extra + 2];
         const HostViewVec n{-m.y * ratio, m.x * ratio};
-        if (end - start >= 2 * kPi - 1e-9) {
-          const double hx = std::hypot(m.x, n.x), hy = std::hypot(m.y, n.y);
-          box.add(c.x - hx, c.y - hy), box.add(c.x + hx, c.y + hy);
-          break;
-        }
-        for (int s = 0; s <= 64; ++s) {
-          const double t = start + (end - start) * s / 64;
-          box.add(c.x + m.x * std::cos(t) + n.x * std::sin(t),
-                  c.y + m.y * std::cos(t) + n.y * std::sin(t));
-        }
+        addArc(box, c, m, n, start, std::max(start, end));
         break;
       }
       case Kind::Text: {

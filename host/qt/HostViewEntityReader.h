@@ -54,6 +54,7 @@ class HostViewEntityReader {
   bool lwpolyline(const DxfObject& tags);
   bool hatch(const DxfObject& tags);
   bool leader(const DxfObject& tags);
+  bool wipeout(const DxfObject& tags);
 
   HostViewTables& tables_;
   std::vector<HostViewLayer>& layers_;

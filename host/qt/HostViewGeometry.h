@@ -71,6 +71,7 @@ namespace HostViewColour {
 constexpr std::uint32_t kByLayer = 0x01000000u;     // the colour of the (effective) layer
 constexpr std::uint32_t kByBlock = 0x02000000u;     // the colour of the insert holding it
 constexpr std::uint32_t kForeground = 0x03000000u;  // colour 7: white on dark, black on light
+constexpr std::uint32_t kBackground = 0x04000000u;  // a wipeout: hides what was drawn before it
 inline bool isRgb(std::uint32_t c) {
   return (c & 0xFF000000u) == 0;
 }

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace {
@@ -29,13 +30,15 @@ struct Pass {
   QRectF device;
   QRgb foreground;
   QRgb background;
+  QPainter* painter = nullptr;
   bool override = false;            // every stroke in the highlight colour
   std::vector<std::int32_t> stack;  // blocks being drawn, against self-reference
 
   // A colour the background would swallow becomes the foreground.
   QRgb visible(std::uint32_t rgb) const {
-    if (options.monochrome) return foreground;
     if (override) return options.highlight.rgb();
+    if (rgb == HostViewColour::kBackground) return background | 0xFF000000u;
+    if (options.monochrome) return foreground;
     if (!HostViewColour::isRgb(rgb)) return foreground;
     const int dr = qRed(rgb) - qRed(background), dg = qGreen(rgb) - qGreen(background),
               db = qBlue(rgb) - qBlue(background);
@@ -119,6 +122,8 @@ struct Pass {
                      ctx.toDevice, pen(p, layer, ctx));
         break;
       case Kind::Polygon:
+        // A wipeout hides what came before it: that is drawn first.
+        if (p.colour == HostViewColour::kBackground && !override) out.flush(*painter, 1);
         out.polygon(&g.points[p.first], &g.ringSizes[p.extra], p.rings, ctx.toDevice,
                     pen(p, layer, ctx));
         break;
@@ -186,9 +191,8 @@ HostViewRenderer::Stats HostViewRenderer::paint(QPainter& painter, const HostVie
   painter.setRenderHint(QPainter::Antialiasing, options.antialias);
   painter.setRenderHint(QPainter::TextAntialiasing, true);
   const QRgb foreground = options.background.lightness() < 128 ? 0xFFFFFFFFu : 0xFF000000u;
-  Pass pass{
-      scene, options, tessellator_, stats, device, foreground, options.background.rgb(), false,
-      {},    {}};
+  Pass pass{scene,    options, tessellator_, stats, device, foreground, options.background.rgb(),
+            &painter, false,   {},           {}};
   const double s = view.scale;
   pass.toDevice = {s,
                    0,
@@ -199,8 +203,22 @@ HostViewRenderer::Stats HostViewRenderer::paint(QPainter& painter, const HostVie
 
   tessellator_.reset(view.device);
   scene.index().query(view.visible(), hits_);
+  // In the drawing's order, so that what overlaps (fills, wipeouts) stacks as drawn: sorted,
+  // or through a bitmap of the slotCount when most of the drawing is in view.
+  const std::size_t slotCount = scene.entities().size();
+  if (hits_.size() * 16 < slotCount) {
+    std::sort(hits_.begin(), hits_.end());
+  } else {
+    seen_.assign((slotCount + 63) / 64, 0);
+    for (std::uint32_t slot : hits_)
+      if (slot < slotCount) seen_[slot / 64] |= std::uint64_t(1) << (slot % 64);
+    hits_.clear();
+    for (std::size_t word = 0; word < seen_.size(); ++word)
+      for (std::uint64_t bits = seen_[word]; bits; bits &= bits - 1)
+        hits_.push_back(static_cast<std::uint32_t>(word * 64 + std::countr_zero(bits)));
+  }
   for (std::uint32_t slot : hits_)
-    if (slot < scene.entities().size() && !scene.entities()[slot].unbounded) pass.entity(slot);
+    if (slot < slotCount && !scene.entities()[slot].unbounded) pass.entity(slot);
   for (std::uint32_t slot : scene.unboundedEntities()) pass.entity(slot);
   tessellator_.flush(painter, 1);
 

@@ -19,6 +19,9 @@ class QPainter;
 // and everything is clipped to the device before it reaches the painter (a construction line
 // is infinite; a drawing far from the origin zoomed far in must not overflow the rasteriser).
 //
+// Entities are painted in the drawing's order, so that fills stack as drawn and a wipeout
+// (HostViewColour::kBackground) hides what came before it.
+//
 // Colours resolve here: by layer from the (effective) layer, by block from the insert, colour
 // 7 and colours too close to the background as the foreground. Layers off or frozen are left
 // out, whole inserts on them too. Holds no state between paints but reusable buffers; not
@@ -49,5 +52,6 @@ class HostViewRenderer {
  private:
   // Implementation's own; see the .cpp.
   std::vector<std::uint32_t> hits_;
+  std::vector<std::uint64_t> seen_;  // a bit per entity slot, to put many hits in order
   HostViewTessellator tessellator_;
 };

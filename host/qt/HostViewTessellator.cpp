@@ -27,19 +27,36 @@ int chordsFor(double radiusPixels, double sweep) {
   return static_cast<int>(std::clamp(n, 1.0, 4096.0));
 }
 
+// Lengths here are of pixels and never overflow: the plain formula is much cheaper than hypot.
+double length(double x, double y) {
+  return std::sqrt(x * x + y * y);
+}
+
 QPointF map(const HostViewAffine& m, double x, double y) {
   return {m.a * x + m.c * y + m.tx, m.b * x + m.d * y + m.ty};
 }
 }  // namespace
 
+HostViewTessellator::Batch& HostViewTessellator::batchFor(QRgb colour) {
+  // Strokes come in runs of one colour: look the batch up once per run.
+  if (!last_ || lastColour_ != colour) last_ = &batches_[colour], lastColour_ = colour;
+  return *last_;
+}
+
 void HostViewTessellator::reset(const QSizeF& size) {
   clip_ = QRectF(-kMargin, -kMargin, size.width() + 2 * kMargin, size.height() + 2 * kMargin);
   for (auto& [colour, batch] : batches_) batch.lines.clear(), batch.dots.clear();
+  last_ = nullptr;
   fills_.clear();
   texts_.clear();
 }
 
 bool HostViewTessellator::clip(QPointF& a, QPointF& b, double* t0out, double* t1out) const {
+  if (inside(a) && inside(b)) {  // the common case: nothing to cut
+    if (t0out) *t0out = 0;
+    if (t1out) *t1out = 1;
+    return true;
+  }
   // Liang-Barsky against the clip box.
   double t0 = 0, t1 = 1;
   const double dx = b.x() - a.x(), dy = b.y() - a.y();
@@ -68,13 +85,13 @@ bool HostViewTessellator::clip(QPointF& a, QPointF& b, double* t0out, double* t1
 }
 
 void HostViewTessellator::segment(QPointF a, QPointF b, const Pen& pen, double& phase) {
-  const double length = std::hypot(b.x() - a.x(), b.y() - a.y());
-  if (!std::isfinite(length)) return;
+  const double span = length(b.x() - a.x(), b.y() - a.y());
+  if (!std::isfinite(span)) return;
   const double total = pen.pattern ? pen.pattern->length * pen.scale : 0;
-  Batch& batch = batches_[pen.colour];
+  Batch& batch = batchFor(pen.colour);
   if (total < kMinPatternPixels) {
     if (!clip(a, b)) return;
-    if (length == 0)
+    if (span == 0)
       batch.dots.push_back(a);
     else
       batch.lines.emplace_back(a, b);
@@ -83,14 +100,14 @@ void HostViewTessellator::segment(QPointF a, QPointF b, const Pen& pen, double& 
   const QPointF from = a;
   double t0 = 0, t1 = 1;
   const double startPhase = phase;
-  phase += length;
-  if (length == 0 || !clip(a, b, &t0, &t1)) return;
-  const double ux = (b.x() - a.x()) / std::max(length * (t1 - t0), 1e-300);
-  const double uy = (b.y() - a.y()) / std::max(length * (t1 - t0), 1e-300);
+  phase += span;
+  if (span == 0 || !clip(a, b, &t0, &t1)) return;
+  const double ux = (b.x() - a.x()) / std::max(span * (t1 - t0), 1e-300);
+  const double uy = (b.y() - a.y()) / std::max(span * (t1 - t0), 1e-300);
   auto at = [&](double s) { return QPointF(from.x() + ux * s, from.y() + uy * s); };
   // Where in the pattern the visible part starts.
-  double s = t0 * length;
-  const double end = t1 * length;
+  double s = t0 * span;
+  const double end = t1 * span;
   double into = std::fmod(startPhase + s, total);
   const std::vector<double>& dashes = pen.pattern->dashes;
   std::size_t k = 0;
@@ -125,12 +142,15 @@ void HostViewTessellator::stroke(const std::vector<QPointF>& points, bool closed
 void HostViewTessellator::arc(double cx, double cy, const HostViewVec& major,
                               const HostViewVec& minor, double start, double end,
                               const HostViewAffine& m, std::vector<QPointF>& out) const {
-  const double rx = std::hypot(m.a * major.x + m.c * major.y, m.b * major.x + m.d * major.y);
-  const double ry = std::hypot(m.a * minor.x + m.c * minor.y, m.b * minor.x + m.d * minor.y);
+  const double rx = length(m.a * major.x + m.c * major.y, m.b * major.x + m.d * major.y);
+  const double ry = length(m.a * minor.x + m.c * minor.y, m.b * minor.x + m.d * minor.y);
   const int n = chordsFor(std::max(rx, ry), end - start);
+  // Turning by a fixed step: two sines and cosines per arc rather than one per chord.
+  const double step = (end - start) / n, cs = std::cos(step), ss = std::sin(step);
+  double c = std::cos(start), s = std::sin(start);
   for (int i = 1; i <= n; ++i) {
-    const double t = start + (end - start) * i / n;
-    const double c = std::cos(t), s = std::sin(t);
+    const double nc = c * cs - s * ss;
+    s = s * cs + c * ss, c = nc;
     out.push_back(map(m, cx + major.x * c + minor.x * s, cy + major.y * c + minor.y * s));
   }
 }
@@ -153,7 +173,7 @@ void HostViewTessellator::polyline(const HostViewVec* points, std::uint32_t coun
     if (bulge != 0 && std::isfinite(bulge)) {
       // The arc through p and q whose angle is 4 atan(bulge), counter-clockwise when positive.
       const double angle = 4 * std::atan(bulge);
-      const double dx = q.x - p.x, dy = q.y - p.y, chord = std::hypot(dx, dy);
+      const double dx = q.x - p.x, dy = q.y - p.y, chord = length(dx, dy);
       if (chord > 0) {
         const double radius = chord / (2 * std::sin(angle / 2));
         const double toCentre = radius * std::cos(angle / 2);
@@ -174,7 +194,7 @@ void HostViewTessellator::polyline(const HostViewVec* points, std::uint32_t coun
     const double n = static_cast<double>(edge.size());
     for (std::size_t k = 0; k < edge.size(); ++k) {
       const QPointF to = edge[k];
-      const double dx = to.x() - from.x(), dy = to.y() - from.y(), len = std::hypot(dx, dy);
+      const double dx = to.x() - from.x(), dy = to.y() - from.y(), len = length(dx, dy);
       if (len > 0) {
         const double wa = (w0 + (w1 - w0) * k / n) / 2, wb = (w0 + (w1 - w0) * (k + 1) / n) / 2;
         const double nx = -dy / len, ny = dx / len;
@@ -199,17 +219,52 @@ void HostViewTessellator::ellipse(const HostViewVec& centre, const HostViewVec& 
                                   const Pen& pen) {
   const HostViewVec minor{-major.y * ratio, major.x * ratio};
   // Off the device altogether: nothing to tessellate.
-  const double reach = std::hypot(major.x, major.y) * m.scale();
+  const double reach = length(major.x, major.y) * m.scale();
   const QPointF c = map(m, centre.x, centre.y);
   if (!QRectF(c.x() - reach, c.y() - reach, 2 * reach, 2 * reach).intersects(clip_)) return;
   std::vector<QPointF>& points = scratch_;
-  points.clear();
-  points.push_back(map(m, centre.x + major.x * std::cos(start) + minor.x * std::sin(start),
-                       centre.y + major.y * std::cos(start) + minor.y * std::sin(start)));
-  arc(centre.x, centre.y, major, minor, start, end, m, points);
-  const bool whole = end - start >= 2 * kPi - 1e-9;
-  if (whole) points.pop_back();
-  stroke(points, whole, pen);
+  auto piece = [&](double from, double to, bool closed) {
+    points.clear();
+    points.push_back(map(m, centre.x + major.x * std::cos(from) + minor.x * std::sin(from),
+                         centre.y + major.y * std::cos(from) + minor.y * std::sin(from)));
+    arc(centre.x, centre.y, major, minor, from, to, m, points);
+    if (closed) points.pop_back();
+    stroke(points, closed, pen);
+  };
+  // A curve far larger than the device (zoomed far in on it): only the stretch the device can
+  // see is tessellated, so that its chords stay within a fraction of a pixel of it.
+  if (reach > 4 * length(clip_.width(), clip_.height()) && !clip_.contains(c)) {
+    // On the device the curve is c + X cos t + Y sin t; the corners of the clip box, taken
+    // back to the unit circle, bound the parameters it can show.
+    const double xx = m.a * major.x + m.c * major.y, xy = m.b * major.x + m.d * major.y;
+    const double yx = m.a * minor.x + m.c * minor.y, yy = m.b * minor.x + m.d * minor.y;
+    const double det = xx * yy - yx * xy;
+    if (!(std::abs(det) > 0) || !std::isfinite(det)) return;
+    const QPointF corners[4] = {clip_.topLeft(), clip_.topRight(), clip_.bottomRight(),
+                                clip_.bottomLeft()};
+    double angles[4];
+    bool outside = false;
+    for (int i = 0; i < 4; ++i) {
+      const double dx = corners[i].x() - c.x(), dy = corners[i].y() - c.y();
+      const double u = (yy * dx - yx * dy) / det, v = (xx * dy - xy * dx) / det;
+      outside = outside || u * u + v * v > 1;
+      angles[i] = std::atan2(v, u);
+    }
+    if (!outside) return;  // the whole device lies inside the curve
+    // The centre is off the device, so the corners span less than half a turn.
+    double low = 0, high = 0;
+    for (int i = 1; i < 4; ++i) {
+      const double d = std::remainder(angles[i] - angles[0], 2 * kPi);
+      low = std::min(low, d), high = std::max(high, d);
+    }
+    for (int turn = -2; turn <= 2; ++turn) {
+      const double from = std::max(start, angles[0] + low + 2 * kPi * turn);
+      const double to = std::min(end, angles[0] + high + 2 * kPi * turn);
+      if (from < to) piece(from, to, false);
+    }
+    return;
+  }
+  piece(start, end, end - start >= 2 * kPi - 1e-9);
 }
 
 QPolygonF HostViewTessellator::clipRing(const QPolygonF& ring) const {
@@ -276,11 +331,10 @@ void HostViewTessellator::polygon(const HostViewVec* points, const std::uint32_t
 
 void HostViewTessellator::infiniteLine(const QPointF& a, const QPointF& b, bool bothWays,
                                        const Pen& pen) {
-  const double dx = b.x() - a.x(), dy = b.y() - a.y(), length = std::hypot(dx, dy);
-  if (!(length > 0)) return;
+  const double dx = b.x() - a.x(), dy = b.y() - a.y(), span = length(dx, dy);
+  if (!(span > 0)) return;
   // Far enough past the device in either direction that clipping finds the visible part.
-  const double reach =
-      (std::hypot(clip_.width(), clip_.height()) + std::hypot(a.x(), a.y())) / length * 2;
+  const double reach = (length(clip_.width(), clip_.height()) + length(a.x(), a.y())) / span * 2;
   const QPointF from = bothWays ? QPointF(a.x() - dx * reach, a.y() - dy * reach) : a;
   const QPointF to(a.x() + dx * reach, a.y() + dy * reach);
   double phase = 0;
@@ -288,7 +342,7 @@ void HostViewTessellator::infiniteLine(const QPointF& a, const QPointF& b, bool 
 }
 
 void HostViewTessellator::dot(const QPointF& at, QRgb colour) {
-  if (clip_.contains(at)) batches_[colour].dots.push_back(at);
+  if (inside(at)) batchFor(colour).dots.push_back(at);
 }
 
 const HostViewTessellator::Face& HostViewTessellator::face(const QString& family) {
@@ -305,7 +359,7 @@ void HostViewTessellator::text(const HostViewText& t, const HostViewAffine& m, Q
   // The text's frame on the device: along the baseline and up.
   const double ax = m.a * ux + m.c * uy, ay = m.b * ux + m.d * uy;
   const double vx = -m.a * uy + m.c * ux, vy = -m.b * uy + m.d * ux;
-  const double capPixels = t.height * std::hypot(vx, vy);
+  const double capPixels = t.height * length(vx, vy);
   const QPointF o = map(m, t.origin.x, t.origin.y);
   const double advance = std::max(t.advance, 0.0);
   const QPointF end(o.x() + ax * advance, o.y() + ay * advance);

@@ -80,6 +80,11 @@ class HostViewTessellator {
   bool clip(QPointF& a, QPointF& b, double* t0 = nullptr, double* t1 = nullptr) const;
   QPolygonF clipRing(const QPolygonF& ring) const;
   const Face& face(const QString& family);
+  Batch& batchFor(QRgb colour);
+  bool inside(const QPointF& p) const {
+    return p.x() >= clip_.left() && p.x() <= clip_.right() && p.y() >= clip_.top() &&
+           p.y() <= clip_.bottom();
+  }
 
   QRectF clip_;
   std::unordered_map<QRgb, Batch> batches_;
@@ -87,4 +92,6 @@ class HostViewTessellator {
   std::vector<Text> texts_;
   std::unordered_map<QString, Face> faces_;
   std::vector<QPointF> scratch_;
+  Batch* last_ = nullptr;  // the batch of lastColour_ (map nodes do not move)
+  QRgb lastColour_ = 0;
 };
