@@ -47,6 +47,24 @@ bool segmentMeets(const HostViewVec& a, const HostViewVec& b, const HostViewBox&
 }
 
 // How many chords follow an arc of `radius` through `sweep` radians within `tolerance`.
+// Whether `p` lies inside the rings (point counts `sizes`, one after another in `pts`) by the
+// odd-even rule.
+bool insideRings(const std::vector<HostViewVec>& pts, const std::vector<std::uint32_t>& sizes,
+                 const HostViewVec& p) {
+  bool inside = false;
+  std::size_t ring = 0;
+  for (std::uint32_t n : sizes) {
+    for (std::uint32_t k = 0, prev = n - 1; k < n; prev = k++) {
+      const HostViewVec& a = pts[ring + k];
+      const HostViewVec& b = pts[ring + prev];
+      if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x)
+        inside = !inside;
+    }
+    ring += n;
+  }
+  return inside;
+}
+
 int chordsFor(double radius, double sweep, double tolerance) {
   if (!(radius > tolerance)) return 4;
   const double step = 2 * std::acos(1 - tolerance / radius);
@@ -262,18 +280,7 @@ class DistanceWalker : public Walker {
         std::min(best, len > 0 && !behind ? std::abs(cross(ab, ap)) / len : std::hypot(ap.x, ap.y));
   }
   void area(const std::vector<HostViewVec>& pts, const std::vector<std::uint32_t>& sizes) override {
-    bool inside = false;
-    std::size_t ring = 0;
-    for (std::uint32_t n : sizes) {
-      for (std::uint32_t k = 0, prev = n - 1; k < n; prev = k++) {
-        const HostViewVec& a = pts[ring + k];
-        const HostViewVec& b = pts[ring + prev];
-        if ((a.y > at_.y) != (b.y > at_.y) &&
-            at_.x < (b.x - a.x) * (at_.y - a.y) / (b.y - a.y) + a.x)
-          inside = !inside;
-      }
-      ring += n;
-    }
+    const bool inside = insideRings(pts, sizes, at_);
     if (inside) best = 0, done = true;
   }
 
@@ -325,17 +332,7 @@ class CrossingWalker : public Walker {
     // The window wholly inside the area: its centre is inside and no edge crosses it (the
     // edges are told separately).
     const HostViewVec c{(window_.minX + window_.maxX) / 2, (window_.minY + window_.maxY) / 2};
-    bool inside = false;
-    std::size_t ring = 0;
-    for (std::uint32_t n : sizes) {
-      for (std::uint32_t k = 0, prev = n - 1; k < n; prev = k++) {
-        const HostViewVec& a = pts[ring + k];
-        const HostViewVec& b = pts[ring + prev];
-        if ((a.y > c.y) != (b.y > c.y) && c.x < (b.x - a.x) * (c.y - a.y) / (b.y - a.y) + a.x)
-          inside = !inside;
-      }
-      ring += n;
-    }
+    const bool inside = insideRings(pts, sizes, c);
     if (inside) done = meets = true;
   }
 
