@@ -131,6 +131,13 @@ class DesktopWindowTest : public QObject {
 
       HostDrawingView* view = d.window->viewOf(d.app->documents().curDocument());
       QVERIFY(view && QTest::qWaitForWindowExposed(d.window.get()));
+      // A module's highlight reaches the document's view, zoomed to what it names.
+      const HostViewEntity& first = view->scene().entities().front();
+      const double before = view->transform().scale;
+      QVERIFY(d.app->highlightObjects(d.app->currentDatabase(), OdDbObjectIdArray{first.id}, true));
+      QVERIFY(view->transform().scale > before);
+      QVERIFY(d.app->highlightObjects(d.app->currentDatabase(), OdDbObjectIdArray(), false));
+      view->zoomExtents();
       const QPoint middle(view->width() / 2, view->height() / 2);
       QTest::mouseMove(view, middle);
       const HostViewVec at = view->transform().toDrawing(middle);
