@@ -10,7 +10,8 @@
 #   - the view: open to first paint, a redraw at extents, one zoomed to a hundredth, peak memory
 #     (view_probe, one process per file);
 #   - the peer: ezdxf's drawing add-on with matplotlib's Agg raster at the same size
-#     (ezdxf_draw_probe.py; needs python3-ezdxf and python3-matplotlib; BENCH_SKIP_EZDXF=1 skips);
+#     (ezdxf_draw_probe.py; needs python3-ezdxf and python3-matplotlib; BENCH_SKIP_EZDXF=1 skips;
+#     limited in memory and time, see below);
 # and prints a table with the ratios. Everything stays in BENCH_BUILD/view-work.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -53,7 +54,14 @@ for f in "${files[@]}"; do
   done
   "$bin/view_probe" "$f" --png "$work/${name%.*}.png" >>ours.jsonl
   if [ "${BENCH_SKIP_EZDXF:-0}" != 1 ]; then
-    "$python" "$root/bench/ezdxf_draw_probe.py" "$f" >>peer.jsonl 2>>peer.log
+    # The peer's memory grows with the drawing past what a machine has: it is given
+    # BENCH_PEER_MEMORY_MB (default 8192) and BENCH_PEER_SECONDS (default 1200), and a file it
+    # cannot finish within them is reported as such.
+    out=$( (ulimit -v $((${BENCH_PEER_MEMORY_MB:-8192} * 1024))
+      timeout "${BENCH_PEER_SECONDS:-1200}" "$python" "$root/bench/ezdxf_draw_probe.py" "$f") \
+      2>>peer.log) || true
+    [ -n "$out" ] || out="{\"file\": \"$name\", \"error\": \"not finished within ${BENCH_PEER_SECONDS:-1200} s and ${BENCH_PEER_MEMORY_MB:-8192} MB\"}"
+    echo "$out" >>peer.jsonl
   fi
 done
 
