@@ -8,6 +8,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "HostViewRaster.h"
 #include "HostViewScene.h"
 
 namespace {
@@ -39,14 +40,17 @@ QPointF map(const HostViewAffine& m, double x, double y) {
 
 HostViewTessellator::Batch& HostViewTessellator::batchFor(QRgb colour) {
   // Strokes come in runs of one colour: look the batch up once per run.
-  if (!last_ || lastColour_ != colour) last_ = &batches_[colour], lastColour_ = colour;
-  return *last_;
+  if (last_ < batches_.size() && batches_[last_].colour == colour) return batches_[last_];
+  for (last_ = 0; last_ < batches_.size(); ++last_)
+    if (batches_[last_].colour == colour) return batches_[last_];
+  batches_.push_back(Batch{colour, {}, {}});
+  return batches_.back();
 }
 
 void HostViewTessellator::reset(const QSizeF& size) {
   clip_ = QRectF(-kMargin, -kMargin, size.width() + 2 * kMargin, size.height() + 2 * kMargin);
-  for (auto& [colour, batch] : batches_) batch.lines.clear(), batch.dots.clear();
-  last_ = nullptr;
+  for (Batch& batch : batches_) batch.lines.clear(), batch.dots.clear();
+  last_ = 0;
   fills_.clear();
   texts_.clear();
 }
@@ -164,7 +168,7 @@ void HostViewTessellator::polyline(const HostViewVec* points, std::uint32_t coun
   run.push_back(map(m, points[0].x, points[0].y));
   const double scale = m.scale();
   const std::uint32_t edges = closed ? count : count - 1;
-  std::vector<QPointF> edge;
+  std::vector<QPointF>& edge = edge_;
   for (std::uint32_t i = 0; i < edges; ++i) {
     const HostViewVec& p = points[i];
     const HostViewVec& q = points[(i + 1) % count];
@@ -404,9 +408,19 @@ std::size_t HostViewTessellator::flush(QPainter& painter, double width) {
     ++drawn;
   }
   painter.setBrush(Qt::NoBrush);
-  for (auto& [colour, batch] : batches_) {
+  // Thin strokes into an image: straight into its pixels.
+  if (QImage* image = width <= 1 ? HostViewRaster::target(painter) : nullptr) {
+    HostViewRaster raster(*image);
+    for (Batch& batch : batches_) {
+      for (const QLineF& l : batch.lines) raster.line(l.x1(), l.y1(), l.x2(), l.y2(), batch.colour);
+      for (const QPointF& p : batch.dots) raster.dot(p.x(), p.y(), batch.colour);
+      drawn += batch.lines.size() + batch.dots.size();
+      batch.lines.clear(), batch.dots.clear();
+    }
+  }
+  for (const Batch& batch : batches_) {
     if (batch.lines.empty() && batch.dots.empty()) continue;
-    QPen pen(QColor::fromRgb(colour), width <= 1 ? 0 : width);
+    QPen pen(QColor::fromRgb(batch.colour), width <= 1 ? 0 : width);
     pen.setCosmetic(true);
     pen.setCapStyle(Qt::SquareCap);
     painter.setPen(pen);
