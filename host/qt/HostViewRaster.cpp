@@ -39,22 +39,33 @@ bool clipTo(double& x0, double& y0, double& x1, double& y1, double lo, double hi
 }
 
 // Lights pixels along the major axis from floor(a0) to floor(a1) (a0 <= a1), the minor
-// coordinate taken at each pixel's centre. `majorStep` and `minorStep` are the pixel offsets
-// of one step along each axis; `majorSize` and `minorSize` the image's extent along them.
-void run(std::uint32_t* bits, std::int64_t majorStep, std::int64_t minorStep, int majorSize,
-         int minorSize, double a0, double b0, double a1, double b1, std::uint32_t colour) {
-  const int from = std::max(static_cast<int>(std::floor(a0)), 0);
-  const int to = std::min(static_cast<int>(std::floor(a1)), majorSize - 1);
+// coordinate taken at each pixel's centre. `minorStep` is the pixel offset of one step along
+// the minor axis (one step along the major axis is 1 when kAlongRows, else `stride`);
+// `majorSize` and `minorSize` are the image's extent along each axis.
+template <bool kAlongRows>
+void run(std::uint32_t* bits, std::int64_t stride, int majorSize, int minorSize, double a0,
+         double b0, double a1, double b1, std::uint32_t colour) {
+  int from = std::max(static_cast<int>(std::floor(a0)), 0);
+  int to = std::min(static_cast<int>(std::floor(a1)), majorSize - 1);
   if (from > to) return;
   const double slope = a1 > a0 ? (b1 - b0) / (a1 - a0) : 0;
-  std::int64_t minor = std::llround((b0 + slope * (from + 0.5 - a0)) * kOne);
+  const std::int64_t start = std::llround((b0 + slope * (from + 0.5 - a0)) * kOne);
   const std::int64_t step = std::llround(slope * kOne);
+  // The minor coordinate is monotonic along the run and the ends were clipped a pixel past
+  // the image: trimming the ends that fall outside leaves a run wholly inside.
+  auto inside = [&](int i) {
+    const std::int64_t m = (start + step * (i - from)) >> kFraction;  // floor, also below 0
+    return static_cast<std::uint64_t>(m) < static_cast<std::uint64_t>(minorSize);
+  };
+  const int first = from;
+  while (from <= to && !inside(from)) ++from;
+  while (to >= from && !inside(to)) --to;
+  if (from > to) return;
+  std::int64_t minor = start + step * (from - first);
+  const std::int64_t majorStep = kAlongRows ? 1 : stride, minorStep = kAlongRows ? stride : 1;
   std::uint32_t* pixel = bits + from * majorStep;
-  for (int i = from; i <= to; ++i, pixel += majorStep, minor += step) {
-    const std::int64_t m = minor >> kFraction;  // floor, also below zero
-    if (static_cast<std::uint64_t>(m) < static_cast<std::uint64_t>(minorSize))
-      pixel[m * minorStep] = colour;
-  }
+  for (int i = from; i <= to; ++i, pixel += majorStep, minor += step)
+    pixel[(minor >> kFraction) * minorStep] = colour;
 }
 }  // namespace
 
@@ -88,10 +99,10 @@ void HostViewRaster::line(double x0, double y0, double x1, double y1, QRgb colou
   const std::uint32_t c = colour | 0xFF000000u;
   if (std::abs(x1 - x0) >= std::abs(y1 - y0)) {
     if (x1 < x0) std::swap(x0, x1), std::swap(y0, y1);
-    run(bits_, 1, stride_, width_, height_, x0, y0, x1, y1, c);
+    run<true>(bits_, stride_, width_, height_, x0, y0, x1, y1, c);
   } else {
     if (y1 < y0) std::swap(x0, x1), std::swap(y0, y1);
-    run(bits_, stride_, 1, height_, width_, y0, x0, y1, x1, c);
+    run<false>(bits_, stride_, height_, width_, y0, x0, y1, x1, c);
   }
 }
 

@@ -61,9 +61,22 @@ bool HostViewTessellator::clip(QPointF& a, QPointF& b, double* t0out, double* t1
     if (t1out) *t1out = 1;
     return true;
   }
+  const double dx = b.x() - a.x(), dy = b.y() - a.y();
+  // Cheap misses first (zoomed in, most segments found pass by the device): both ends beyond
+  // one side, or the clip box's corners all on one side of the segment's line.
+  if ((a.x() < clip_.left() && b.x() < clip_.left()) ||
+      (a.x() > clip_.right() && b.x() > clip_.right()) ||
+      (a.y() < clip_.top() && b.y() < clip_.top()) ||
+      (a.y() > clip_.bottom() && b.y() > clip_.bottom()))
+    return false;
+  const double left = clip_.left() - a.x(), right = clip_.right() - a.x();
+  const double top = clip_.top() - a.y(), bottom = clip_.bottom() - a.y();
+  const double c0 = dx * top - dy * left, c1 = dx * top - dy * right, c2 = dx * bottom - dy * left,
+               c3 = dx * bottom - dy * right;
+  if ((c0 > 0 && c1 > 0 && c2 > 0 && c3 > 0) || (c0 < 0 && c1 < 0 && c2 < 0 && c3 < 0))
+    return false;
   // Liang-Barsky against the clip box.
   double t0 = 0, t1 = 1;
-  const double dx = b.x() - a.x(), dy = b.y() - a.y();
   const double p[4] = {-dx, dx, -dy, dy};
   const double q[4] = {a.x() - clip_.left(), clip_.right() - a.x(), a.y() - clip_.top(),
                        clip_.bottom() - a.y()};
@@ -92,9 +105,9 @@ void HostViewTessellator::segment(QPointF a, QPointF b, const Pen& pen, double& 
   const double span = length(b.x() - a.x(), b.y() - a.y());
   if (!std::isfinite(span)) return;
   const double total = pen.pattern ? pen.pattern->length * pen.scale : 0;
-  Batch& batch = batchFor(pen.colour);
   if (total < kMinPatternPixels) {
     if (!clip(a, b)) return;
+    Batch& batch = batchFor(pen.colour);
     if (span == 0)
       batch.dots.push_back(a);
     else
@@ -106,6 +119,7 @@ void HostViewTessellator::segment(QPointF a, QPointF b, const Pen& pen, double& 
   const double startPhase = phase;
   phase += span;
   if (span == 0 || !clip(a, b, &t0, &t1)) return;
+  Batch& batch = batchFor(pen.colour);
   const double ux = (b.x() - a.x()) / std::max(span * (t1 - t0), 1e-300);
   const double uy = (b.y() - a.y()) / std::max(span * (t1 - t0), 1e-300);
   auto at = [&](double s) { return QPointF(from.x() + ux * s, from.y() + uy * s); };
