@@ -73,6 +73,7 @@ HostViewEntityReader::HostViewEntityReader(HostViewTables& tables,
 
 bool HostViewEntityReader::read(const OdDbEntity& entity, bool inBlock) {
   unbounded_ = false;
+  look_ = HostViewPrimitive();
   const DxfObject& tags = entity.dxf();
   if (integerOr(tags, 60, 0) == 1) return true;
   readLook(tags);

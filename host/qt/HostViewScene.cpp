@@ -108,6 +108,7 @@ void HostViewScene::rebuild() {
   garbage_ = 0;
   tables_ = std::make_unique<HostViewTables>();
   tables_->read(db_, layers_, patterns_);
+  reader_ = std::make_unique<HostViewEntityReader>(*tables_, layers_, geometry_, unsupported_);
   layerZero_ = tables_->layerZero();
   linetypeScale_ = tables_->linetypeScale();
   readBlocks();
@@ -134,7 +135,7 @@ void HostViewScene::rebuild() {
 void HostViewScene::readBlocks() {
   const std::vector<HostViewTables::Block>& defs = tables_->blocks();
   blocks_.assign(defs.size(), HostViewBlock());
-  HostViewEntityReader reader(*tables_, layers_, geometry_, unsupported_);
+  HostViewEntityReader& reader = *reader_;
   for (std::size_t b = 0; b < defs.size(); ++b) {
     HostViewBlock& block = blocks_[b];
     block.name = defs[b].name;
@@ -209,7 +210,7 @@ void HostViewScene::readEntity(std::uint32_t slot, const OdDbObjectId& id) {
   entity = HostViewEntity();
   entity.id = id;
   entity.first = static_cast<std::uint32_t>(geometry_.primitives.size());
-  HostViewEntityReader reader(*tables_, layers_, geometry_, unsupported_);
+  HostViewEntityReader& reader = *reader_;
   const Mark mark(geometry_);
   OdDbObjectPtr object;
   try {

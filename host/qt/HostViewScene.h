@@ -14,6 +14,7 @@
 
 class OdDbDatabase;
 class HostViewTables;
+class HostViewEntityReader;
 
 // A layer as the view needs it.
 struct HostViewLayer {
@@ -114,6 +115,8 @@ class HostViewScene {
   std::map<std::string, std::size_t> unsupported_;
   std::unordered_map<std::uint64_t, std::uint32_t> slotByHandle_;
   std::unique_ptr<HostViewTables> tables_;
+  // One reader for the scene's life: its text layout keeps fonts and measured advances.
+  std::unique_ptr<HostViewEntityReader> reader_;
   std::vector<std::uint32_t> unbounded_;  // slots of live construction lines and rays
   std::size_t garbage_ = 0;               // primitives no entity or block refers to any more
 };

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "HostViewRaster.h"
 #include "HostViewScene.h"
 
 namespace {
@@ -39,14 +40,17 @@ QPointF map(const HostViewAffine& m, double x, double y) {
 
 HostViewTessellator::Batch& HostViewTessellator::batchFor(QRgb colour) {
   // Strokes come in runs of one colour: look the batch up once per run.
-  if (!last_ || lastColour_ != colour) last_ = &batches_[colour], lastColour_ = colour;
-  return *last_;
+  if (last_ < batches_.size() && batches_[last_].colour == colour) return batches_[last_];
+  for (last_ = 0; last_ < batches_.size(); ++last_)
+    if (batches_[last_].colour == colour) return batches_[last_];
+  batches_.push_back(Batch{colour, {}, {}});
+  return batches_.back();
 }
 
 void HostViewTessellator::reset(const QSizeF& size) {
   clip_ = QRectF(-kMargin, -kMargin, size.width() + 2 * kMargin, size.height() + 2 * kMargin);
-  for (auto& [colour, batch] : batches_) batch.lines.clear(), batch.dots.clear();
-  last_ = nullptr;
+  for (Batch& batch : batches_) batch.lines.clear(), batch.dots.clear();
+  last_ = 0;
   fills_.clear();
   texts_.clear();
 }
@@ -57,9 +61,22 @@ bool HostViewTessellator::clip(QPointF& a, QPointF& b, double* t0out, double* t1
     if (t1out) *t1out = 1;
     return true;
   }
+  const double dx = b.x() - a.x(), dy = b.y() - a.y();
+  // Cheap misses first (zoomed in, most segments found pass by the device): both ends beyond
+  // one side, or the clip box's corners all on one side of the segment's line.
+  if ((a.x() < clip_.left() && b.x() < clip_.left()) ||
+      (a.x() > clip_.right() && b.x() > clip_.right()) ||
+      (a.y() < clip_.top() && b.y() < clip_.top()) ||
+      (a.y() > clip_.bottom() && b.y() > clip_.bottom()))
+    return false;
+  const double left = clip_.left() - a.x(), right = clip_.right() - a.x();
+  const double top = clip_.top() - a.y(), bottom = clip_.bottom() - a.y();
+  const double c0 = dx * top - dy * left, c1 = dx * top - dy * right, c2 = dx * bottom - dy * left,
+               c3 = dx * bottom - dy * right;
+  if ((c0 > 0 && c1 > 0 && c2 > 0 && c3 > 0) || (c0 < 0 && c1 < 0 && c2 < 0 && c3 < 0))
+    return false;
   // Liang-Barsky against the clip box.
   double t0 = 0, t1 = 1;
-  const double dx = b.x() - a.x(), dy = b.y() - a.y();
   const double p[4] = {-dx, dx, -dy, dy};
   const double q[4] = {a.x() - clip_.left(), clip_.right() - a.x(), a.y() - clip_.top(),
                        clip_.bottom() - a.y()};
@@ -88,9 +105,9 @@ void HostViewTessellator::segment(QPointF a, QPointF b, const Pen& pen, double& 
   const double span = length(b.x() - a.x(), b.y() - a.y());
   if (!std::isfinite(span)) return;
   const double total = pen.pattern ? pen.pattern->length * pen.scale : 0;
-  Batch& batch = batchFor(pen.colour);
   if (total < kMinPatternPixels) {
     if (!clip(a, b)) return;
+    Batch& batch = batchFor(pen.colour);
     if (span == 0)
       batch.dots.push_back(a);
     else
@@ -102,6 +119,7 @@ void HostViewTessellator::segment(QPointF a, QPointF b, const Pen& pen, double& 
   const double startPhase = phase;
   phase += span;
   if (span == 0 || !clip(a, b, &t0, &t1)) return;
+  Batch& batch = batchFor(pen.colour);
   const double ux = (b.x() - a.x()) / std::max(span * (t1 - t0), 1e-300);
   const double uy = (b.y() - a.y()) / std::max(span * (t1 - t0), 1e-300);
   auto at = [&](double s) { return QPointF(from.x() + ux * s, from.y() + uy * s); };
@@ -164,7 +182,7 @@ void HostViewTessellator::polyline(const HostViewVec* points, std::uint32_t coun
   run.push_back(map(m, points[0].x, points[0].y));
   const double scale = m.scale();
   const std::uint32_t edges = closed ? count : count - 1;
-  std::vector<QPointF> edge;
+  std::vector<QPointF>& edge = edge_;
   for (std::uint32_t i = 0; i < edges; ++i) {
     const HostViewVec& p = points[i];
     const HostViewVec& q = points[(i + 1) % count];
@@ -404,9 +422,19 @@ std::size_t HostViewTessellator::flush(QPainter& painter, double width) {
     ++drawn;
   }
   painter.setBrush(Qt::NoBrush);
-  for (auto& [colour, batch] : batches_) {
+  // Thin strokes into an image: straight into its pixels.
+  if (QImage* image = width <= 1 ? HostViewRaster::target(painter) : nullptr) {
+    HostViewRaster raster(*image);
+    for (Batch& batch : batches_) {
+      for (const QLineF& l : batch.lines) raster.line(l.x1(), l.y1(), l.x2(), l.y2(), batch.colour);
+      for (const QPointF& p : batch.dots) raster.dot(p.x(), p.y(), batch.colour);
+      drawn += batch.lines.size() + batch.dots.size();
+      batch.lines.clear(), batch.dots.clear();
+    }
+  }
+  for (const Batch& batch : batches_) {
     if (batch.lines.empty() && batch.dots.empty()) continue;
-    QPen pen(QColor::fromRgb(colour), width <= 1 ? 0 : width);
+    QPen pen(QColor::fromRgb(batch.colour), width <= 1 ? 0 : width);
     pen.setCosmetic(true);
     pen.setCapStyle(Qt::SquareCap);
     painter.setPen(pen);

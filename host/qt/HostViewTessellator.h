@@ -53,6 +53,7 @@ class HostViewTessellator {
 
  private:
   struct Batch {
+    QRgb colour = 0;
     std::vector<QLineF> lines;
     std::vector<QPointF> dots;
   };
@@ -87,11 +88,12 @@ class HostViewTessellator {
   }
 
   QRectF clip_;
-  std::unordered_map<QRgb, Batch> batches_;
+  // A drawing uses few colours: a short list searched from the last one used beats hashing.
+  std::vector<Batch> batches_;
   std::vector<Fill> fills_;
   std::vector<Text> texts_;
   std::unordered_map<QString, Face> faces_;
   std::vector<QPointF> scratch_;
-  Batch* last_ = nullptr;  // the batch of lastColour_ (map nodes do not move)
-  QRgb lastColour_ = 0;
+  std::vector<QPointF> edge_;  // one polyline edge's chords
+  std::size_t last_ = 0;       // index of the batch used last
 };

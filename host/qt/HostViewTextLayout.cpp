@@ -18,6 +18,8 @@ constexpr double kPi = std::numbers::pi;
 constexpr double kLinePitch = 5.0 / 3.0;
 // Fonts are measured at this pixel size, large enough that rounding does not show.
 constexpr int kMeasureSize = 256;
+// Advances remembered per face at most (a drawing of more distinct texts measures the rest).
+constexpr std::size_t kMaxAdvances = 1 << 16;
 
 // The tags [begin, end) of an entity whose values are read. An ATTRIB or MTEXT may carry an
 // embedded object after a 101 tag, whose codes repeat the entity's own: the entity's values
@@ -227,24 +229,29 @@ QString resolvedFamily(QFont::StyleHint hint, const char* family) {
 }
 }  // namespace
 
-const QFont& HostViewTextLayout::font(const QString& family) {
-  auto found = fonts_.find(family);
-  if (found != fonts_.end()) return found->second;
+HostViewTextLayout::Face& HostViewTextLayout::face(const QString& family) {
+  auto found = faces_.find(family);
+  if (found != faces_.end()) return found->second;
   QFont font;
   if (!family.isEmpty()) font.setFamilies({family});
   font.setPixelSize(kMeasureSize);
   font.setHintingPreference(QFont::PreferNoHinting);
-  return fonts_.emplace(family, font).first->second;
+  const double cap = capHeightOf(QFontMetricsF(font));
+  return faces_.emplace(family, Face{font, cap, {}}).first->second;
 }
 
 double HostViewTextLayout::advance(const QString& text, const QString& family) {
-  const QFontMetricsF metrics(font(family));
-  return metrics.horizontalAdvance(text) / capHeightOf(metrics);
+  Face& f = face(family);
+  auto found = f.advances.find(text);
+  if (found != f.advances.end()) return found->second;
+  const double advance = QFontMetricsF(f.font).horizontalAdvance(text) / f.cap;
+  if (f.advances.size() < kMaxAdvances) f.advances.emplace(text, advance);
+  return advance;
 }
 
 double HostViewTextLayout::descent(const QString& family) {
-  const QFontMetricsF metrics(font(family));
-  return metrics.descent() / capHeightOf(metrics);
+  const Face& f = face(family);
+  return QFontMetricsF(f.font).descent() / f.cap;
 }
 
 QString HostViewTextLayout::familyFor(const QString& fontFile) {

@@ -28,7 +28,8 @@ struct HostViewTextStyle {
 // 41 and line spacing 44), measured with the font's metrics so that the origin each line gets
 // is its baseline's left end. Backwards and upside-down texts (71) are laid out as ordinary
 // ones. Empty for an entity with no text or unreadable tags; never throws for bad tags. Keeps
-// a cache of fonts; one layout per thread (familyFor may be called from any thread).
+// a cache of fonts and of the advances measured; one layout per thread (familyFor may be called
+// from any thread).
 class HostViewTextLayout {
  public:
   // TEXT, ATTRIB, ATTDEF (the ATTDEF's default value is laid out, its tag when it has none;
@@ -53,8 +54,15 @@ class HostViewTextLayout {
   double descent(const QString& family);
 
  private:
-  // The font of `family` at a size large enough to measure with, made once.
-  const QFont& font(const QString& family);
+  struct Face {
+    QFont font;  // at a size large enough to measure with
+    double cap;  // its cap height in pixels
+    // Advances already measured: a drawing repeats its texts and words, and shaping them is
+    // most of the cost of laying a text out. Bounded; measured afresh once full.
+    std::unordered_map<QString, double> advances;
+  };
+  // The face of `family`, made once.
+  Face& face(const QString& family);
 
-  std::unordered_map<QString, QFont> fonts_;
+  std::unordered_map<QString, Face> faces_;
 };
