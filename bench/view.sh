@@ -52,7 +52,7 @@ for f in "${files[@]}"; do
     t=$({ time "$bin/stcheck" convert "$f" "$work/converted.dxf" >/dev/null 2>&1; } 2>&1)
     echo "$name $t" >>convert.txt
   done
-  "$bin/view_probe" "$f" --png "$work/${name%.*}.png" >>ours.jsonl
+  "$bin/view_probe" "$f" --png "$work/${name%.*}.png" >>ours.jsonl 2>>view_probe.log
   if [ "${BENCH_SKIP_EZDXF:-0}" != 1 ]; then
     # The peer's memory grows with the drawing past what a machine has: it is given
     # BENCH_PEER_MEMORY_MB (default 8192) and BENCH_PEER_SECONDS (default 1200), and a file it
@@ -76,7 +76,7 @@ for line in open("convert.txt"):
 def ratio(a, b):
     return f"{a / b:7.1f}x" if a and b else "      -"
 print()
-print(f"{'file':44} {'convert s':>9} {'load s':>7} {'1st paint s':>11} {'/load':>6}"
+print(f"{'file':44} {'convert s':>9} {'load s':>7} {'1st paint s':>11} {'/conv':>6} {'/load':>6}"
       f" {'extents ms':>10} {'zoom ms':>8} {'peak MB':>8} | {'peer 1st s':>10} {'peer ext ms':>11}"
       f" {'peer zoom ms':>12} {'peer MB':>8} | {'1st':>8} {'extents':>8} {'zoom':>8}")
 for o in ours:
@@ -84,13 +84,15 @@ for o in ours:
     mb = o["peak_rss_kb"] / 1024
     pmb = p.get("peak_rss_kb", 0) / 1024
     print(f"{o['file'][:44]:44} {float(conv.get(o['file'], 0)):9.2f} {o['load_seconds']:7.2f}"
-          f" {o['first_paint_seconds']:11.2f} {o['first_paint_seconds'] / o['load_seconds']:6.2f}"
+          f" {o['first_paint_seconds']:11.2f}"
+          f" {o['first_paint_seconds'] / max(conv.get(o['file'], 0), 1e-3):6.2f}"
+          f" {o['first_paint_seconds'] / o['load_seconds']:6.2f}"
           f" {o['extents_ms']:10.1f} {o['zoom_ms']:8.2f} {mb:8.0f} |"
           f" {p.get('first_paint_seconds', 0):10.2f} {p.get('extents_ms', 0):11.0f}"
           f" {p.get('zoom_ms', 0):12.0f} {pmb:8.0f} |"
           f" {ratio(p.get('first_paint_seconds'), o['first_paint_seconds'])}"
           f" {ratio(p.get('extents_ms'), o['extents_ms'])} {ratio(p.get('zoom_ms'), o['zoom_ms'])}"
           + (f"  peer error: {p['error']}" if 'error' in p else ""))
-print("\nratios: the peer's time over ours (higher is better for us); /load: our first paint over"
-      " our load alone")
+print("\nratios: the peer's time over ours (higher is better for us); /conv and /load: our first"
+      " paint over stcheck convert's whole run and over our load alone")
 PY
