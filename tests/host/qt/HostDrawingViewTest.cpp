@@ -233,8 +233,8 @@ class HostDrawingViewTest : public QObject {
         QString::fromStdString(testsupport::readBytes(out)).split(' ', Qt::SkipEmptyParts);
     QCOMPARE(reference.size(), 256);
     for (int index = 1; index < 250; ++index) {
-      // The reference's two darkest half-saturated shades of the cyan-to-red half of the ring
-      // carry slips (0x58 or 0x7E where the pattern gives 0x26 or 0x4C); the rest must agree.
+      // The two darkest half-saturated shades of ezdxf's palette in the cyan-to-red half of the
+      // ring carry slips (0x58 or 0x7E where the pattern gives 0x26 or 0x4C); the rest must agree.
       if (index >= 100 && (index % 10 == 7 || index % 10 == 9)) continue;
       QCOMPARE(QString::number(HostViewPalette::aciToRgb(index), 16),
                QString::number(reference[index].toUInt(), 16));

@@ -1,5 +1,5 @@
-// The drawing view's readers on real tags read by the kernel: spline curves against the
-// reference implementation's, hatch boundaries by their shape and area, text and multiline
+// The drawing view's readers on real tags read by the kernel: spline curves against
+// ezdxf's curves, hatch boundaries by their shape and area, text and multiline
 // text placed by their alignment, broken tags, and every such entity of the corpus.
 
 #include <QFontInfo>
@@ -66,7 +66,7 @@ Drawing fromTags(std::initializer_list<std::string> entities) {
   return d;
 }
 
-// A drawing the reference implementation writes with `script` (msp is its model space); no
+// A drawing ezdxf writes with `script` (msp is its model space); no
 // entities when it cannot.
 Drawing written(const testsupport::TempDir& dir, const std::string& script) {
   const fs::path file = dir.path() / "written.dxf";
@@ -79,7 +79,7 @@ Drawing written(const testsupport::TempDir& dir, const std::string& script) {
   return modelSpaceOf(OdDbDatabase::readFile(file));
 }
 
-// Every spline with control points of `file` as the reference flattens it, by handle.
+// Every spline with control points of `file` as ezdxf flattens it, by handle.
 std::map<std::uint64_t, Points> referenceSplines(const fs::path& file) {
   const auto out = testsupport::ezdxf(R"(
 doc = ezdxf.readfile(path)
@@ -98,7 +98,7 @@ for e in doc.modelspace().query('SPLINE'):
     std::string handle;
     in >> handle;
     if (handle.empty() || handle.find_first_not_of("0123456789ABCDEFabcdef") != std::string::npos)
-      continue;  // not a curve: a warning the reference printed
+      continue;  // not a curve: a warning ezdxf printed
     Points& pts = curves[std::stoull(handle, nullptr, 16)];
     for (double x, y; in >> x >> y;) pts.push_back({x, y});
   }
