@@ -102,11 +102,11 @@ DesktopWindow::DesktopWindow(HostApplication& app, HostQtFront& front, QWidget* 
     return view && view->highlightObjects(ids, zoom);
   });
   // A plot shows what the drawing's view shows.
-  front_.setPlotAreaHandler([this](const OdDbDatabase& db) -> std::optional<HostViewBox> {
+  front_.setPlotAreaHandler([this](const OdDbDatabase& db) -> std::optional<HostQtFront::PlotView> {
     for (int i = 0; i < tabs_->count(); ++i)
       if (auto* view = qobject_cast<HostDrawingView*>(tabs_->widget(i));
           view && view->document() && view->document()->database() == &db)
-        return view->transform().visible();
+        return HostQtFront::PlotView{&view->scene(), view->transform().visible()};
     return std::nullopt;
   });
   coordinates_ = new QLabel(this);

@@ -147,7 +147,6 @@ void HostDrawingView::setTransform(const HostViewTransform& view) {
   view_ = view;
   view_.device = QSizeF(size());
   view_.scale = std::clamp(view_.scale, kMinScale, kMaxScale);
-  fittedOnce_ = true;
   atExtents_ = false;
   invalidate();
 }
@@ -160,7 +159,7 @@ void HostDrawingView::setDarkBackground(bool dark) {
 
 void HostDrawingView::zoomExtents() {
   view_ = HostViewTransform::fit(scene().extents(), QSizeF(size()), kFitMargin);
-  fittedOnce_ = atExtents_ = true;
+  atExtents_ = true;
   invalidate();
 }
 
@@ -186,7 +185,6 @@ bool HostDrawingView::highlightObjects(const OdDbObjectIdArray& ids, bool zoom) 
       box.add(cx + least / 2, cy + least / 2);
     }
     view_ = HostViewTransform::fit(box, QSizeF(size()), kFitMargin * 3);
-    fittedOnce_ = true;
     atExtents_ = false;
   }
   invalidate();
@@ -207,13 +205,6 @@ std::unordered_set<std::uint32_t> HostDrawingView::drawnHighlight() const {
   return found;
 }
 
-HostViewRenderer::Options HostDrawingView::options() const {
-  HostViewRenderer::Options o;
-  o.background = dark_ ? kDarkBackground : kLightBackground;
-  o.highlight = dark_ ? QColor(80, 160, 255) : QColor(0, 100, 230);
-  return o;
-}
-
 QImage HostDrawingView::render(const QSize& size, bool fitted) const {
   sync();
   QImage image(size, QImage::Format_ARGB32_Premultiplied);
@@ -223,12 +214,19 @@ QImage HostDrawingView::render(const QSize& size, bool fitted) const {
   } else {
     view.device = QSizeF(size);
   }
-  const std::unordered_set<std::uint32_t> lit = drawnHighlight();
-  HostViewRenderer::Options o = options();
-  o.highlighted = &lit;
   QPainter painter(&image);
-  renderer_.paint(painter, *scene_, view, o);
+  paint(painter, view);
   return image;
+}
+
+HostViewRenderer::Stats HostDrawingView::paint(QPainter& painter,
+                                               const HostViewTransform& view) const {
+  const std::unordered_set<std::uint32_t> lit = drawnHighlight();
+  HostViewRenderer::Options o;
+  o.background = dark_ ? kDarkBackground : kLightBackground;
+  o.highlight = dark_ ? QColor(80, 160, 255) : QColor(0, 100, 230);
+  o.highlighted = &lit;
+  return renderer_.paint(painter, *scene_, view, o);
 }
 
 void HostDrawingView::renderCache() {
@@ -236,17 +234,13 @@ void HostDrawingView::renderCache() {
   const QSize pixels = (QSizeF(size()) * ratio).toSize();
   if (cache_.size() != pixels) cache_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
   cache_.setDevicePixelRatio(ratio);
-  const std::unordered_set<std::uint32_t> lit = drawnHighlight();
-  HostViewRenderer::Options o = options();
-  o.highlighted = &lit;
   QPainter painter(&cache_);
-  stats_ = renderer_.paint(painter, *scene_, view_, o);
+  stats_ = paint(painter, view_);
   cacheValid_ = true;
 }
 
 void HostDrawingView::paintEvent(QPaintEvent*) {
   sync();
-  if (!fittedOnce_) zoomExtents();
   if (!cacheValid_ || cache_.size() != (QSizeF(size()) * devicePixelRatioF()).toSize())
     renderCache();
   QPainter painter(this);
@@ -268,10 +262,7 @@ void HostDrawingView::paintEvent(QPaintEvent*) {
 
 void HostDrawingView::resizeEvent(QResizeEvent*) {
   view_.device = QSizeF(size());
-  if (atExtents_ || !fittedOnce_) {
-    view_ = HostViewTransform::fit(scene().extents(), QSizeF(size()), kFitMargin);
-    fittedOnce_ = atExtents_ = true;
-  }
+  if (atExtents_) view_ = HostViewTransform::fit(scene().extents(), QSizeF(size()), kFitMargin);
   cacheValid_ = false;
 }
 

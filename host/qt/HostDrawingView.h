@@ -99,7 +99,8 @@ class HostDrawingView : public QWidget {
   void changeScale(double factor, const QPointF& about);
   void editSelection(const std::vector<std::uint32_t>& found, bool toggle);
   std::unordered_set<std::uint32_t> drawnHighlight() const;
-  HostViewRenderer::Options options() const;
+  // Draws the scene through `view` with the highlight and the selection lit.
+  HostViewRenderer::Stats paint(QPainter& painter, const HostViewTransform& view) const;
   // Drawing units a few pixels span at the current scale.
   double pixels(double n) const { return n / view_.scale; }
 
@@ -112,7 +113,6 @@ class HostDrawingView : public QWidget {
   HostViewRenderer::Stats stats_;
   HostViewTransform view_;
   bool dark_ = true;
-  bool fittedOnce_ = false;
   bool atExtents_ = false;  // refitted when the widget is resized
   std::unordered_set<std::uint32_t> highlighted_;
   QImage cache_;

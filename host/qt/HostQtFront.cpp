@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QUrl>
 #include <filesystem>
+#include <memory>
 #include <string_view>
 
 #include "HostQtCommandLine.h"
@@ -149,9 +150,11 @@ bool HostQtFront::plotToPdf(OdDbDatabase& db, const OdString& path, OdString& er
   const QString file = toQString(path);
   QByteArray bytes;
   try {
-    const HostViewScene scene(db);
-    std::optional<HostViewBox> area = plotArea_ ? plotArea_(db) : std::nullopt;
-    const HostViewBox box = area && !area->empty() ? *area : scene.extents();
+    const std::optional<PlotView> shown = plotArea_ ? plotArea_(db) : std::nullopt;
+    std::unique_ptr<HostViewScene> read;
+    const HostViewScene* scene = shown ? shown->scene : nullptr;
+    if (!scene) scene = (read = std::make_unique<HostViewScene>(db)).get();
+    const HostViewBox box = shown && !shown->area.empty() ? shown->area : scene->extents();
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     QPdfWriter writer(&buffer);
@@ -176,7 +179,7 @@ bool HostQtFront::plotToPdf(OdDbDatabase& db, const OdString& path, OdString& er
     HostViewRenderer::Options options;
     options.background = Qt::white;
     options.antialias = true;
-    HostViewRenderer().paint(painter, scene, view, options);
+    HostViewRenderer().paint(painter, *scene, view, options);
     painter.end();
   } catch (const std::exception& e) {
     error =

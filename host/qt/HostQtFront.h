@@ -14,6 +14,7 @@ class QStatusBar;
 class QWidget;
 class HostQtCommandLine;
 class HostQtStatusBar;
+class HostViewScene;
 
 // The front of the desktop host: message boxes, task dialogs, the command-line window, help
 // pages, the status bar and the PDF plotter, in Qt Widgets. Lives on the GUI thread; the host
@@ -53,9 +54,14 @@ class HostQtFront : public QObject, public HostFrontend {
   // What highlightObjects does: the drawing view's answer (the desktop window sets it).
   using HighlightHandler = std::function<bool(HostDocument*, const OdDbObjectIdArray&, bool)>;
   void setHighlightHandler(HighlightHandler handler) { highlight_ = std::move(handler); }
-  // What part of a drawing a plot shows: the box its drawing view shows now (the desktop
-  // window sets it), or nullopt for the drawing's extents. Unset, plots show the extents.
-  using PlotAreaHandler = std::function<std::optional<HostViewBox>(const OdDbDatabase&)>;
+  // What a plot of a drawing shows when a drawing view has it (the desktop window sets the
+  // handler): the view's scene, so the drawing is not read again (null: it is), and the box the
+  // view shows (empty: the extents). nullopt, or no handler: the drawing's extents.
+  struct PlotView {
+    const HostViewScene* scene = nullptr;
+    HostViewBox area;
+  };
+  using PlotAreaHandler = std::function<std::optional<PlotView>(const OdDbDatabase&)>;
   void setPlotAreaHandler(PlotAreaHandler handler) { plotArea_ = std::move(handler); }
 
   // HostFrontend

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -35,6 +36,26 @@ struct HostViewBox {
   bool intersects(const HostViewBox& b) const {
     return !empty() && !b.empty() && minX <= b.maxX && b.minX <= maxX && minY <= b.maxY &&
            b.minY <= maxY;
+  }
+  // The part of the segment from (x, y) along (dx, dy) that lies in the box, as the
+  // parameters t0 <= t1 within [0, 1] of its ends (Liang-Barsky); false when none does.
+  bool clipSegment(double x, double y, double dx, double dy, double& t0, double& t1) const {
+    t0 = 0, t1 = 1;
+    const double p[4] = {-dx, dx, -dy, dy};
+    const double q[4] = {x - minX, maxX - x, y - minY, maxY - y};
+    for (int i = 0; i < 4; ++i) {
+      if (p[i] == 0) {
+        if (q[i] < 0) return false;
+        continue;
+      }
+      const double r = q[i] / p[i];
+      if (p[i] < 0)
+        t0 = std::max(t0, r);
+      else
+        t1 = std::min(t1, r);
+      if (t0 > t1) return false;
+    }
+    return true;
   }
   double width() const { return empty() ? 0 : maxX - minX; }
   double height() const { return empty() ? 0 : maxY - minY; }

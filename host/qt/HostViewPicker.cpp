@@ -25,28 +25,12 @@ double segmentDistance(const HostViewVec& p, const HostViewVec& a, const HostVie
   return std::hypot(p.x - (a.x + t * ab.x), p.y - (a.y + t * ab.y));
 }
 
-// Whether segment a-b meets the box (Liang-Barsky clipping).
+// Whether segment a-b meets the box.
 bool segmentMeets(const HostViewVec& a, const HostViewVec& b, const HostViewBox& box) {
-  double t0 = 0, t1 = 1;
-  const double dx = b.x - a.x, dy = b.y - a.y;
-  const double p[4] = {-dx, dx, -dy, dy};
-  const double q[4] = {a.x - box.minX, box.maxX - a.x, a.y - box.minY, box.maxY - a.y};
-  for (int i = 0; i < 4; ++i) {
-    if (p[i] == 0) {
-      if (q[i] < 0) return false;
-    } else {
-      const double t = q[i] / p[i];
-      if (p[i] < 0)
-        t0 = std::max(t0, t);
-      else
-        t1 = std::min(t1, t);
-      if (t0 > t1) return false;
-    }
-  }
-  return true;
+  double t0, t1;
+  return box.clipSegment(a.x, a.y, b.x - a.x, b.y - a.y, t0, t1);
 }
 
-// How many chords follow an arc of `radius` through `sweep` radians within `tolerance`.
 // Whether `p` lies inside the rings (point counts `sizes`, one after another in `pts`) by the
 // odd-even rule.
 bool insideRings(const std::vector<HostViewVec>& pts, const std::vector<std::uint32_t>& sizes,
@@ -65,6 +49,7 @@ bool insideRings(const std::vector<HostViewVec>& pts, const std::vector<std::uin
   return inside;
 }
 
+// How many chords follow an arc of `radius` through `sweep` radians within `tolerance`.
 int chordsFor(double radius, double sweep, double tolerance) {
   if (!(radius > tolerance)) return 4;
   const double step = 2 * std::acos(1 - tolerance / radius);

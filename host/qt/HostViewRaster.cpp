@@ -7,31 +7,19 @@
 #include <cmath>
 #include <utility>
 
+#include "HostViewGeometry.h"
+
 namespace {
 // Positions along the shorter axis are stepped in fixed point with this many fraction bits:
 // exact enough over any image's length, and no conversion from floating point per pixel.
 constexpr int kFraction = 32;
 constexpr double kOne = 4294967296.0;  // 2^kFraction
 
-// Cuts the segment to the box [lo, hiX] x [lo, hiY] (Liang-Barsky); false when nothing is
-// left.
+// Cuts the segment to the box [lo, hiX] x [lo, hiY]; false when nothing is left.
 bool clipTo(double& x0, double& y0, double& x1, double& y1, double lo, double hiX, double hiY) {
-  double t0 = 0, t1 = 1;
   const double dx = x1 - x0, dy = y1 - y0;
-  const double p[4] = {-dx, dx, -dy, dy};
-  const double q[4] = {x0 - lo, hiX - x0, y0 - lo, hiY - y0};
-  for (int i = 0; i < 4; ++i) {
-    if (p[i] == 0) {
-      if (q[i] < 0) return false;
-      continue;
-    }
-    const double r = q[i] / p[i];
-    if (p[i] < 0)
-      t0 = std::max(t0, r);
-    else
-      t1 = std::min(t1, r);
-    if (t0 > t1) return false;
-  }
+  double t0, t1;
+  if (!HostViewBox{lo, lo, hiX, hiY}.clipSegment(x0, y0, dx, dy, t0, t1)) return false;
   const double ax = x0, ay = y0;
   x0 = ax + t0 * dx, y0 = ay + t0 * dy;
   x1 = ax + t1 * dx, y1 = ay + t1 * dy;

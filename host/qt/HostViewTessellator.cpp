@@ -75,23 +75,10 @@ bool HostViewTessellator::clip(QPointF& a, QPointF& b, double* t0out, double* t1
                c3 = dx * bottom - dy * right;
   if ((c0 > 0 && c1 > 0 && c2 > 0 && c3 > 0) || (c0 < 0 && c1 < 0 && c2 < 0 && c3 < 0))
     return false;
-  // Liang-Barsky against the clip box.
-  double t0 = 0, t1 = 1;
-  const double p[4] = {-dx, dx, -dy, dy};
-  const double q[4] = {a.x() - clip_.left(), clip_.right() - a.x(), a.y() - clip_.top(),
-                       clip_.bottom() - a.y()};
-  for (int i = 0; i < 4; ++i) {
-    if (p[i] == 0) {
-      if (q[i] < 0) return false;
-      continue;
-    }
-    const double r = q[i] / p[i];
-    if (p[i] < 0)
-      t0 = std::max(t0, r);
-    else
-      t1 = std::min(t1, r);
-    if (t0 > t1) return false;
-  }
+  double t0, t1;
+  if (!HostViewBox{clip_.left(), clip_.top(), clip_.right(), clip_.bottom()}.clipSegment(
+          a.x(), a.y(), dx, dy, t0, t1))
+    return false;
   if (!std::isfinite(t0) || !std::isfinite(t1)) return false;
   const QPointF from = a;
   a = QPointF(from.x() + t0 * dx, from.y() + t0 * dy);

@@ -235,10 +235,11 @@ void HostQtFrontTest::plotWritesAWholePdfOrAnError() {
   const fs::path pdf = dir.path() / "plan.pdf";
   OdString error;
   for (bool wide : {false, true}) {
-    host.front.setPlotAreaHandler([wide](const OdDbDatabase&) -> std::optional<HostViewBox> {
-      if (!wide) return std::nullopt;
-      return HostViewBox{0, 0, 100, 20};
-    });
+    host.front.setPlotAreaHandler(
+        [wide](const OdDbDatabase&) -> std::optional<HostQtFront::PlotView> {
+          if (!wide) return std::nullopt;
+          return HostQtFront::PlotView{nullptr, HostViewBox{0, 0, 100, 20}};
+        });
     QVERIFY2(host.front.plotToPdf(*db, OdString(pdf.wstring()), error), error.toUtf8().c_str());
     const std::string bytes = testsupport::readBytes(pdf);
     QVERIFY(bytes.rfind("%PDF-", 0) == 0);
