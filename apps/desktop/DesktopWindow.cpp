@@ -27,6 +27,7 @@
 #include "HostDrawingView.h"
 #include "HostQtCommandLine.h"
 #include "HostQtFront.h"
+#include "HostQtText.h"
 #include "HostSilentCheck.h"
 #include "LayersDock.h"
 #include "OdDbEntity.h"
@@ -39,14 +40,6 @@ const char* const kLayoutKey = "Desktop";
 const char* const kGeometry = "WindowGeometry";
 const char* const kState = "WindowState";
 const char* const kDarkBackground = "DarkBackground";
-
-QString qt(const OdString& text) {
-  return QString::fromStdString(text.toUtf8());
-}
-
-OdString od(const QString& text) {
-  return OdString::fromUtf8(text.toStdString());
-}
 
 const char* const kDrawingFilter = "Drawings (*.dxf *.dws);;All files (*)";
 }  // namespace
@@ -153,14 +146,15 @@ HostDrawingView* DesktopWindow::viewOf(const HostDocument* doc) const {
 }
 
 void DesktopWindow::send(const QString& text) {
-  app_.sendCommand(od(text + ' '));
+  app_.sendCommand(toOdString(text + ' '));
 }
 
 void DesktopWindow::sendWithPath(const QString& command, const QString& path) {
   if (path.contains('"')) {
     app_.messageBox(
-        od(tr("The path %1 holds a double quote, which the command line cannot take.").arg(path)),
-        od(command), HostButtons::kOk, HostIcon::kWarning);
+        toOdString(
+            tr("The path %1 holds a double quote, which the command line cannot take.").arg(path)),
+        toOdString(command), HostButtons::kOk, HostIcon::kWarning);
     return;
   }
   send(command + " \"" + QDir::toNativeSeparators(path) + "\"");
@@ -240,7 +234,7 @@ void DesktopWindow::updateLayerList() {
   if (!db) return;
   OdDbSymbolTablePtr layers = db->getLayerTableId().safeOpenObject();
   for (OdDbSymbolTableIteratorPtr it = layers->newIterator(); !it->done(); it->step())
-    layerList_->addItem(qt(it->getRecord()->getName()));
+    layerList_->addItem(toQString(it->getRecord()->getName()));
   // The selection's one layer; none shown when it is on several.
   std::optional<OdString> common;
   bool mixed = false;
@@ -252,14 +246,14 @@ void DesktopWindow::updateLayerList() {
     common = layer;
   }
   if (common && !mixed) {
-    layerList_->setCurrentIndex(layerList_->findText(qt(*common), Qt::MatchFixedString));
+    layerList_->setCurrentIndex(layerList_->findText(toQString(*common), Qt::MatchFixedString));
     return;
   }
   layerList_->setCurrentIndex(-1);
   if (!common) {
     // Nothing selected: what new entities would go on, greyed.
     OdResBufPtr current = db->getHeaderVariable(L"$CLAYER");
-    layerList_->setPlaceholderText(current ? qt(current->getString()) : QStringLiteral("0"));
+    layerList_->setPlaceholderText(current ? toQString(current->getString()) : QStringLiteral("0"));
   }
 }
 
@@ -293,7 +287,8 @@ void DesktopWindow::fillRecentMenu() {
     QAction* action = recentMenu_->addAction(label, this, [this, path] {
       if (!QFileInfo::exists(path)) {
         recent_.remove(path);
-        app_.cmdPrintf(L"%ls is gone; it was taken off the recent files\n", od(path).c_str());
+        app_.cmdPrintf(L"%ls is gone; it was taken off the recent files\n",
+                       toOdString(path).c_str());
         return;
       }
       sendWithPath("OPEN", path);
@@ -305,7 +300,7 @@ void DesktopWindow::fillRecentMenu() {
 
 QString DesktopWindow::startFolder() const {
   HostDocument* doc = app_.documents().curDocument();
-  if (doc && !doc->isUntitled()) return QFileInfo(qt(doc->fileName())).absolutePath();
+  if (doc && !doc->isUntitled()) return QFileInfo(toQString(doc->fileName())).absolutePath();
   const QStringList files = recent_.files();
   return files.isEmpty() ? QString() : QFileInfo(files.first()).absolutePath();
 }
@@ -336,7 +331,7 @@ void DesktopWindow::saveAs() {
   dialog.selectNameFilter(doc->database() && doc->database()->isBinary() ? binary : ascii);
   dialog.setDefaultSuffix("dxf");
   dialog.setDirectory(startFolder());
-  dialog.selectFile(qt(doc->title()));
+  dialog.selectFile(toQString(doc->title()));
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return;
   const QString filter = dialog.selectedNameFilter();
   sendWithPath(filter == binary ? "SAVEAS BINARY" : "SAVEAS ASCII", dialog.selectedFiles().first());
@@ -351,7 +346,7 @@ void DesktopWindow::importDrawing() {
 void DesktopWindow::plot() {
   HostDocument* doc = app_.documents().curDocument();
   if (!doc) return;
-  QString suggested = QFileInfo(qt(doc->title())).completeBaseName() + ".pdf";
+  QString suggested = QFileInfo(toQString(doc->title())).completeBaseName() + ".pdf";
   if (!startFolder().isEmpty()) suggested = startFolder() + "/" + suggested;
   const QString path =
       QFileDialog::getSaveFileName(this, tr("Plot to PDF"), suggested, tr("PDF files (*.pdf)"));
@@ -364,11 +359,11 @@ void DesktopWindow::updateTitles() {
     auto* page = qobject_cast<HostDrawingView*>(tabs_->widget(i));
     if (!page || !page->document()) continue;
     HostDocument* doc = page->document();
-    tabs_->setTabText(i, qt(doc->title()) + (doc->isModified() ? "*" : ""));
-    tabs_->setTabToolTip(i, qt(doc->fileName()));
+    tabs_->setTabText(i, toQString(doc->title()) + (doc->isModified() ? "*" : ""));
+    tabs_->setTabToolTip(i, toQString(doc->fileName()));
   }
   if (current) {
-    setWindowTitle(qt(current->title()) + "[*] - stdesk");
+    setWindowTitle(toQString(current->title()) + "[*] - stdesk");
     setWindowModified(current->isModified());
   } else {
     setWindowTitle("stdesk");
@@ -395,9 +390,9 @@ void DesktopWindow::onDocumentCreated(HostDocument* doc) {
           [this](const QString& text) { statusBar()->showMessage(text, 15000); });
   connect(view, &HostDrawingView::selectionEdited, this, &DesktopWindow::updateLayerList);
   syncingTabs_ = true;
-  tabs_->addTab(view, qt(doc->title()));
+  tabs_->addTab(view, toQString(doc->title()));
   syncingTabs_ = false;
-  if (!doc->isUntitled()) recent_.add(qt(doc->fileName()));
+  if (!doc->isUntitled()) recent_.add(toQString(doc->fileName()));
 }
 
 void DesktopWindow::onDocumentCreateCanceled(HostDocument* doc, const OdString& reason) {
@@ -433,7 +428,7 @@ void DesktopWindow::onDocumentSaved(HostDocument*) {
 }
 
 void DesktopWindow::onDocumentRenamed(HostDocument* doc, const OdString&) {
-  recent_.add(qt(doc->fileName()));
+  recent_.add(toQString(doc->fileName()));
   updateTitles();
 }
 
@@ -470,7 +465,7 @@ bool DesktopWindow::askToSaveAll() {
                                                       tr("DXF drawing (*.dxf)"));
     if (path.isEmpty()) return false;
     hostRunSilentCheck(kHostCheckSave);
-    if (!hostSaveDocument(doc, od(path))) return false;
+    if (!hostSaveDocument(doc, toOdString(path))) return false;
   }
   return true;
 }

@@ -19,6 +19,7 @@
 #include "HostCommandLine.h"
 #include "HostDocument.h"
 #include "HostLayerRules.h"
+#include "HostQtText.h"
 #include "HostViewPalette.h"
 #include "OdDbDatabase.h"
 #include "OdDbLayerTable.h"
@@ -26,14 +27,6 @@
 #include "OdDbLinetypeTable.h"
 
 namespace {
-
-QString qt(const OdString& text) {
-  return QString::fromStdString(text.toUtf8());
-}
-
-OdString od(const QString& text) {
-  return OdString::fromUtf8(text.toStdString());
-}
 
 // The stored name of the layer a row shows, as read: the name cell's text may be mid-edit.
 constexpr int kNameRole = Qt::UserRole;
@@ -54,8 +47,9 @@ std::vector<LayerRow> readLayers(const OdDbDatabase& db) {
   for (OdDbSymbolTableIteratorPtr it = table->newIterator(); !it->done(); it->step()) {
     OdDbLayerTableRecordPtr layer = it->getRecord();
     if (layer.isNull()) continue;
-    rows.push_back({qt(layer->getName()), layer->isOff(), layer->isFrozen(), layer->colorIndex(),
-                    layer->trueColor(), qt(layer->linetypeName()), layer->lineWeight()});
+    rows.push_back({toQString(layer->getName()), layer->isOff(), layer->isFrozen(),
+                    layer->colorIndex(), layer->trueColor(), toQString(layer->linetypeName()),
+                    layer->lineWeight()});
   }
   std::stable_sort(rows.begin(), rows.end(), [](const LayerRow& a, const LayerRow& b) {
     return QString::compare(a.name, b.name, Qt::CaseInsensitive) < 0;
@@ -68,7 +62,7 @@ QStringList readLinetypes(const OdDbDatabase& db) {
   OdDbLinetypeTablePtr table = db.getLinetypeTableId().safeOpenObject();
   for (OdDbSymbolTableIteratorPtr it = table->newIterator(); !it->done(); it->step())
     if (OdDbSymbolTableRecordPtr record = it->getRecord(); !record.isNull()) {
-      const QString name = qt(record->getName());
+      const QString name = toQString(record->getName());
       // What an entity may take from its layer or block; a layer takes a real linetype.
       if (name.compare("ByLayer", Qt::CaseInsensitive) != 0 &&
           name.compare("ByBlock", Qt::CaseInsensitive) != 0)
@@ -181,7 +175,7 @@ void LayersPanel::refresh() {
   OdDbDatabase* db = doc_ ? doc_->database() : nullptr;
   const std::vector<LayerRow> rows = db ? readLayers(*db) : std::vector<LayerRow>();
   linetypes_ = db ? readLinetypes(*db) : QStringList();
-  current_ = db ? qt(HostLayerRules::currentLayer(*db)) : QString();
+  current_ = db ? toQString(HostLayerRules::currentLayer(*db)) : QString();
 
   const bool keepsLineweights =
       db && db->formatRelease() >= HostLayerRules::kFirstReleaseWithLineweights;
@@ -224,7 +218,8 @@ void LayersPanel::refresh() {
     linetype->setCurrentText(layer.linetype);
     auto* weight = static_cast<QComboBox*>(table_->cellWidget(row, kLineweight));
     const QSignalBlocker blockWeight(weight);
-    weight->setCurrentIndex(weight->findData(qt(HostLayerRules::lineweightText(layer.lineweight))));
+    weight->setCurrentIndex(
+        weight->findData(toQString(HostLayerRules::lineweightText(layer.lineweight))));
     weight->setEnabled(keepsLineweights);
   }
   filling_ = false;
@@ -266,7 +261,7 @@ void LayersPanel::fillRow(int row, const QString& name) {
     weight->setToolTip(tr("The lineweight of the layer, in millimetres"));
     weight->addItem(tr("Default"), QString("Default"));
     for (OdDb::LineWeight w : HostLayerRules::lineweights()) {
-      const QString text = qt(HostLayerRules::lineweightText(w));
+      const QString text = toQString(HostLayerRules::lineweightText(w));
       weight->addItem(text + " mm", text);
     }
     connect(weight, &QComboBox::activated, this, [this, weight](int) {
@@ -360,7 +355,7 @@ void LayersPanel::addLayer() {
   QString name;
   for (int n = 1;; ++n) {
     name = QString("Layer%1").arg(n);
-    if (!layers->has(od(name))) break;
+    if (!layers->has(toOdString(name))) break;
   }
   editWhenShown_ = name;
   send("NEW " + quoted(name));
@@ -381,11 +376,11 @@ void LayersPanel::updateButtons() {
     return;
   }
   OdDbLayerTablePtr layers = db->getLayerTableId().safeOpenObject();
-  const OdString why = HostLayerRules::whyNotDeletable(*db, layers->getAt(od(name)));
+  const OdString why = HostLayerRules::whyNotDeletable(*db, layers->getAt(toOdString(name)));
   deleteButton_->setEnabled(why.isEmpty());
   deleteButton_->setToolTip(why.isEmpty()
                                 ? tr("Deletes layer %1").arg(name)
-                                : tr("Layer %1 cannot be deleted: %2").arg(name, qt(why)));
+                                : tr("Layer %1 cannot be deleted: %2").arg(name, toQString(why)));
 }
 
 void LayersPanel::send(const QString& words) {
@@ -394,15 +389,16 @@ void LayersPanel::send(const QString& words) {
   QTimer::singleShot(0, this, [this, doc = doc_, line = "-LAYER " + words + " "] {
     if (!doc || doc != doc_ || app_.commandLine().isRunning()) return;
     if (app_.documents().curDocument() != doc) app_.documents().setCurDocument(doc);
-    app_.sendCommand(od(line));
+    app_.sendCommand(toOdString(line));
   });
 }
 
 QString LayersPanel::quoted(const QString& name) {
   if (name.contains('"')) {
-    app_.cmdPrint(od(tr("The layer name %1 holds a double quote, which the command line cannot "
-                        "take.\n")
-                         .arg(name)));
+    app_.cmdPrint(
+        toOdString(tr("The layer name %1 holds a double quote, which the command line cannot "
+                      "take.\n")
+                       .arg(name)));
     return QString();
   }
   return '"' + name + '"';
