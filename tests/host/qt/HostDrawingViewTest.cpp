@@ -222,7 +222,7 @@ class HostDrawingViewTest : public QObject {
     QCOMPARE(coloursIn(view->render(size, false)).highlight, 0);
   }
 
-  void paletteMatchesTheReferenceImplementation() {
+  void paletteMatchesEzdxf() {
     const fs::path out = host->dir.path() / "palette.txt";
     const auto listed = testsupport::ezdxf(
         "from ezdxf.colors import DXF_DEFAULT_COLORS as C\n"

@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QTest>
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <unordered_set>
@@ -304,6 +305,15 @@ void HostViewRenderTest::paintsEveryReadableCorpusDrawing() {
       continue;
     }
     HostViewScene scene(*db);
+    // Whatever the readers made of the file's splines, hatches, texts and the rest: numbers.
+    const HostViewGeometry& g = scene.geometry();
+    auto finite = [](const HostViewVec& p) { return std::isfinite(p.x) && std::isfinite(p.y); };
+    QVERIFY2(std::all_of(g.points.begin(), g.points.end(), finite), file.c_str());
+    QVERIFY2(std::all_of(g.texts.begin(), g.texts.end(),
+                         [&](const HostViewText& t) {
+                           return finite(t.origin) && t.height > 0 && std::isfinite(t.advance);
+                         }),
+             file.c_str());
     const HostViewTransform view = HostViewTransform::fit(scene.extents(), QSizeF(800, 600), 10);
     QImage image(800, 600, QImage::Format_RGB32);
     QPainter painter(&image);
