@@ -36,6 +36,20 @@ void forEachRecord(const OdDbObjectId& tableId, F&& f) {
   }
 }
 
+// Puts `value` at the index `byName` keeps for `name` (a record read again keeps its index,
+// so primitives that name it stay right), or appends it there.
+template <typename T>
+void keepAt(std::unordered_map<std::wstring, std::int32_t>& byName, std::vector<T>& values,
+            const std::wstring& name, T&& value) {
+  auto found = byName.find(name);
+  if (found == byName.end()) {
+    byName.emplace(name, static_cast<std::int32_t>(values.size()));
+    values.push_back(std::move(value));
+  } else {
+    values[found->second] = std::move(value);
+  }
+}
+
 double headerReal(const OdDbDatabase& db, const wchar_t* name, double dflt) {
   try {
     OdResBufPtr value = db.getHeaderVariable(name);
@@ -90,13 +104,7 @@ bool HostViewTables::read(OdDbDatabase& db, std::vector<HostViewLayer>& layers,
     // A pattern of nothing but dots or of no length draws as continuous.
     if (!(pattern.length > 0)) pattern.dashes.clear(), pattern.length = 0;
     seen.insert(name);
-    auto found = linetypeByName_.find(name);
-    if (found == linetypeByName_.end()) {
-      linetypeByName_.emplace(name, static_cast<std::int32_t>(patterns.size()));
-      patterns.push_back(std::move(pattern));
-    } else {
-      patterns[found->second] = std::move(pattern);
-    }
+    keepAt(linetypeByName_, patterns, name, std::move(pattern));
   });
   for (const auto& [name, index] : linetypeByName_) {
     if (seen.count(name)) continue;
@@ -119,13 +127,7 @@ bool HostViewTables::read(OdDbDatabase& db, std::vector<HostViewLayer>& layers,
     if (look.linetype < 0) look.linetype = HostViewLinetype::kContinuous;
     const std::wstring name = key(layer->getName());
     seen.insert(name);
-    auto found = layerByName_.find(name);
-    if (found == layerByName_.end()) {
-      layerByName_.emplace(name, static_cast<std::int32_t>(layers.size()));
-      layers.push_back(std::move(look));
-    } else {
-      layers[found->second] = std::move(look);
-    }
+    keepAt(layerByName_, layers, name, std::move(look));
   });
   for (const std::wstring& name : tableLayers_) {
     if (seen.count(name)) continue;
