@@ -8,7 +8,9 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QTest>
+#include <QTimer>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -50,6 +52,17 @@ struct Desktop {
     QCoreApplication::processEvents();
   }
   std::string transcript() const { return window->commandLine()->transcript().toStdString(); }
+
+  // Once the command line's last words are `prompt` (within about five seconds), runs `act`
+  // from the event loop, as a person answers a prompt once it shows, however slow the machine.
+  void whenAsked(const std::string& prompt, std::function<void()> act, int triesLeft = 500) {
+    QTimer::singleShot(10, [this, prompt, act = std::move(act), triesLeft]() mutable {
+      if (transcript().ends_with(prompt))
+        act();
+      else if (triesLeft > 0)
+        whenAsked(prompt, std::move(act), triesLeft - 1);
+    });
+  }
 
   HostQtFront front;
   std::unique_ptr<HostApplication> app;

@@ -198,12 +198,12 @@ class DesktopWindowTest : public QObject {
   void promptsHistoryAndCompletion() {
     Desktop d(config);
     d.window->sendWithPath("OPEN", QString::fromStdString(plan.string()));
-    QTimer::singleShot(50, [&] { d.type("new Porch"); });
+    d.whenAsked("Delete]: ", [&] { d.type("new Porch"); });
     d.type("-LAYER");
     QVERIFY2(hasLayer(d, L"Porch"), d.transcript().c_str());
 
-    QTimer::singleShot(50,
-                       [&] { QTest::keyClick(d.window->commandLine()->input(), Qt::Key_Escape); });
+    d.whenAsked("Delete]: ",
+                [&] { QTest::keyClick(d.window->commandLine()->input(), Qt::Key_Escape); });
     d.type("-LAYER");
     QVERIFY(d.transcript().find("*cancel*") != std::string::npos);
 

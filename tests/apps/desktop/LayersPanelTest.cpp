@@ -6,7 +6,6 @@
 #include <QDockWidget>
 #include <QSpinBox>
 #include <QTableWidget>
-#include <QTimer>
 #include <algorithm>
 
 #include "DesktopTestSupport.h"
@@ -187,12 +186,12 @@ class LayersPanelTest : public QObject {
 
     // While a typed command waits for its words the panel takes no clicks: they would become
     // those words.
-    QTimer::singleShot(100, [&] {
+    d.whenAsked("Delete]: ", [&] {
       QVERIFY(!p.panel->isEnabled());
       p.click("Walls", LayersPanel::kOn);
+      d.whenAsked("Layer to freeze: ", [&] { d.type("walls"); });
       d.type("Freeze");
     });
-    QTimer::singleShot(400, [&] { d.type("walls"); });
     d.type("-LAYER");
     QTRY_VERIFY(layer(d, L"Walls")->isFrozen());
     QVERIFY(!layer(d, L"Walls")->isOff());
