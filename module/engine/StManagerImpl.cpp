@@ -378,12 +378,20 @@ bool StManagerImpl::attach(OdDbDatabase* db) {
     dbReactor_->setResponder(this);
   }
   db->addReactor(dbReactor_.get());
-  if (g_statusListenerFactory && !statusListener_) {
-    statusListener_ = g_statusListenerFactory(this);
-    addReactor(statusListener_);
-  }
+  updateStatusListener();
   refresh();
   return true;
+}
+
+void StManagerImpl::updateStatusListener() {
+  if (db_.isNull()) return;
+  if (!g_statusListenerFactory) {
+    if (statusListener_) removeReactor(statusListener_);
+    statusListener_ = nullptr;
+  } else if (!statusListener_) {
+    statusListener_ = g_statusListenerFactory(this);
+    if (statusListener_) addReactor(statusListener_);
+  }
 }
 
 void StManagerImpl::detach() {

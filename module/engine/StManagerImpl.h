@@ -44,7 +44,12 @@ class ST_EXPORT StManagerImpl : public StManager,
   // is detached (or destroyed), which removes it again.
   using StatusListenerFactory = StManagerReactor* (*)(StManagerImpl* manager);
   // Sets the factory every later attach uses; null (the default) adds no status listener.
+  // Managers attached already keep theirs until updateStatusListener.
   static void setStatusListenerFactory(StatusListenerFactory factory) noexcept;
+  // Brings an attached manager's status listener in line with the factory: takes away the one
+  // it has when the factory is null (a user interface unloading), gives it one when it has
+  // none (a user interface loaded after the drawing was opened). Nothing when not attached.
+  void updateStatusListener();
 
   // ---- StManager
   StBlockProxyPtr getModelSpaceProxy(OdDbDatabase* db) override;
