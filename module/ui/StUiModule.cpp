@@ -69,6 +69,14 @@ void StUiModule::initApp() {
     if (!bar->addModuleWidget(g_button)) {
       delete g_button;
       g_button = nullptr;
+    } else {
+      // The bar deletes the button with the window, which may go before the module does;
+      // no manager may tell it anything after that.
+      QObject::connect(g_button, &QObject::destroyed, [] {
+        g_button = nullptr;
+        st::StManagerImpl::setStatusListenerFactory(nullptr);
+        updateManagers();
+      });
     }
   }
   st::StManagerImpl::setStatusListenerFactory(g_button ? &statusListener : nullptr);
@@ -84,10 +92,11 @@ void StUiModule::uninitApp() {
   st::StManagerImpl::setStatusListenerFactory(nullptr);
   updateManagers();
   st::stSetDialogs(st::StDialogs{});
-  if (g_button) {
-    if (HostQtStatusBar* bar = qtStatusBar()) bar->removeModuleWidget(g_button);
-    delete g_button;
+  if (StUiStandardsAuditButton* button = g_button) {
+    QObject::disconnect(button, &QObject::destroyed, nullptr, nullptr);
     g_button = nullptr;
+    if (HostQtStatusBar* bar = qtStatusBar()) bar->removeModuleWidget(button);
+    delete button;
   }
 }
 

@@ -271,11 +271,15 @@ class DesktopWindowTest : public QObject {
     manager->removeReactor(&listener);
     QVERIFY2(listener.count >= 1, d.transcript().c_str());
 
-    // Items of a module that is not loaded are disabled: the settings dialog's command comes
-    // with the module's user interface, which is not built here.
+    // The module's items are enabled while its commands are registered: the settings
+    // dialog's comes with the module's user interface, and goes with it.
     QVERIFY(menuAction(*d.window, "Standards", "Check Standards...")->isEnabled());
     QVERIFY(menuAction(*d.window, "Standards", "Configure Standards...")->isEnabled());
-    QVERIFY(!menuAction(*d.window, "Standards", "Standards Settings...")->isEnabled());
+    QVERIFY(menuAction(*d.window, "Standards", "Standards Settings...")->isEnabled());
+    QVERIFY(d.app->unloadModule(L"StandardsAuditUi"));
+    QAction* settings = menuAction(*d.window, "Standards", "Standards Settings...");
+    emit qobject_cast<QMenu*>(settings->parent())->aboutToShow();
+    QVERIFY(!settings->isEnabled());
 
     // A module the configuration names that does not load is named with the loader's reason,
     // and the host runs on.

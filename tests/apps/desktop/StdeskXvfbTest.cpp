@@ -84,8 +84,9 @@ class StdeskXvfbTest : public QObject {
     QCOMPARE(QString::fromStdString(original.output), QString("False\n"));
   }
 
-  // A person types on the command line of the window found by its title; QUIT after SAVE ends
-  // the program without a question.
+  // A person types on the command line of the window found by its title; the layer the
+  // standards lack brings up the balloon at the status bar, which leaves the typing where it
+  // was; QUIT after SAVE ends the program without a question.
   void typedByAPerson() {
     testsupport::TempDir dir;
     QVERIFY(testsupport::makeExamples(dir.path()).exitCode == 0);
@@ -94,12 +95,19 @@ class StdeskXvfbTest : public QObject {
         " floor-plan.dxf > out.txt 2>&1 & pid=$!\n"
         "w=$(xdotool search --sync --onlyvisible --name '^floor-plan.dxf - stdesk$' | head -1)\n"
         "xdotool windowfocus --sync $w\n"
-        "for line in '-LAYER NEW Typed' SAVE QUIT; do\n"
-        "  printf '%s' \"$line\" | xdotool type --delay 20 --file -; xdotool key Return\n"
+        "type() { printf '%s' \"$1\" | xdotool type --delay 20 --file -; xdotool key Return; }\n"
+        "type '-LAYER NEW Typed'\n"
+        "for i in $(seq 100); do\n"
+        "  xdotool search --onlyvisible --name '^Standards Violation$' >/dev/null && break\n"
+        "  sleep 0.1\n"
         "done\n"
+        "xdotool search --onlyvisible --name '^Standards Violation$' >/dev/null &&\n"
+        "  echo 'balloon shown'\n"
+        "type SAVE; type QUIT\n"
         "wait $pid; status=$?; cat out.txt; exit $status\n";
     auto run = inXServer(dir.path(), session);
     QVERIFY2(run.exitCode == 0, run.output.c_str());
+    QVERIFY2(run.output.find("balloon shown") != std::string::npos, run.output.c_str());
     auto layer = testsupport::ezdxf("print(ezdxf.readfile(path).layers.has_entry('Typed'))",
                                     dir.path() / "floor-plan.dxf");
     QCOMPARE(QString::fromStdString(layer.output), QString("True\n"));
