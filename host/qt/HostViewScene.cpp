@@ -103,6 +103,7 @@ void HostViewScene::rebuild() {
   layers_.clear();
   patterns_.clear();
   unsupported_.clear();
+  notDrawn_.clear();
   slotByHandle_.clear();
   unbounded_.clear();
   garbage_ = 0;
@@ -204,7 +205,16 @@ void HostViewScene::readBlocks() {
   for (std::size_t b = 0; b < blocks_.size(); ++b) extentsOf(extentsOf, b);
 }
 
+void HostViewScene::forgetNotDrawn(std::uint32_t slot) {
+  const auto found = notDrawn_.find(slot);
+  if (found == notDrawn_.end()) return;
+  const auto counted = unsupported_.find(found->second);
+  if (counted != unsupported_.end() && --counted->second == 0) unsupported_.erase(counted);
+  notDrawn_.erase(found);
+}
+
 void HostViewScene::readEntity(std::uint32_t slot, const OdDbObjectId& id) {
+  forgetNotDrawn(slot);
   HostViewEntity& entity = entities_[slot];
   garbage_ += entity.count;
   entity = HostViewEntity();
@@ -217,13 +227,15 @@ void HostViewScene::readEntity(std::uint32_t slot, const OdDbObjectId& id) {
     object = id.openObject();
     OdSmartPtr<OdDbEntity> e = OdDbEntity::cast(object.get());
     if (!e) return;
-    reader.read(*e, false);
+    if (!reader.read(*e, false)) notDrawn_.emplace(slot, typeOf(*e));
     entity.layer = reader.layer();
     entity.unbounded = reader.unbounded();
     entity.alive = true;
   } catch (const std::exception&) {
     mark.rollBack(geometry_);
-    ++unsupported_[object ? typeOf(*object) : std::string("(unreadable)")];
+    const std::string type = object ? typeOf(*object) : std::string("(unreadable)");
+    ++unsupported_[type];
+    notDrawn_.emplace(slot, type);
   }
   entity.count = static_cast<std::uint32_t>(geometry_.primitives.size()) - entity.first;
   if (entity.unbounded) {
@@ -269,6 +281,7 @@ void HostViewScene::refreshObject(const OdDbObjectId& id) {
   }
   std::erase(unbounded_, slot);
   if (entity->isErased()) {
+    forgetNotDrawn(slot);
     garbage_ += entities_[slot].count;
     entities_[slot].count = 0;
     entities_[slot].alive = false;

@@ -101,6 +101,9 @@ class HostViewScene {
   // Implementation's own; see the .cpp files.
   void readBlocks();
   void readEntity(std::uint32_t slot, const OdDbObjectId& id);
+  // Takes the count of a model-space entity that was not drawn back out of unsupported_, as
+  // it is read again or erased.
+  void forgetNotDrawn(std::uint32_t slot);
   void compactIfWasteful();
 
   OdDbDatabase& db_;
@@ -113,6 +116,8 @@ class HostViewScene {
   std::int32_t layerZero_ = 0;
   double linetypeScale_ = 1.0;
   std::map<std::string, std::size_t> unsupported_;
+  // The model-space slots counted in unsupported_, with the type each was counted under.
+  std::unordered_map<std::uint32_t, std::string> notDrawn_;
   std::unordered_map<std::uint64_t, std::uint32_t> slotByHandle_;
   std::unique_ptr<HostViewTables> tables_;
   // One reader for the scene's life: its text layout keeps fonts and measured advances.

@@ -284,6 +284,17 @@ void HostViewRenderTest::drawsEveryKindWhereItBelongs() {
   const OdDbObjectId outer = scene.entities()[9].id, loop = scene.entities()[10].id;
   for (int i = 0; i < 100; ++i) scene.refreshObject(outer), scene.refreshObject(loop);
   QVERIFY(scene.geometry().primitives.size() <= 2 * primitives + 1);
+  // What cannot be drawn is counted once however often it is read again, and not once erased.
+  const auto mesh = std::find_if(scene.entities().begin(), scene.entities().end(), [](auto& e) {
+    return e.alive && e.id.openObject()->dxf().type() == "MESH";
+  });
+  QVERIFY(mesh != scene.entities().end());
+  const OdDbObjectId meshId = mesh->id;
+  for (int i = 0; i < 3; ++i) scene.refreshObject(meshId);
+  QCOMPARE(scene.unsupportedSummary(), QStringLiteral("Not drawn: 1 MESH"));
+  meshId.safeOpenObject(OdDb::kForWrite)->erase();
+  scene.refreshObject(meshId);
+  QCOMPARE(scene.unsupportedSummary(), QString());
   const QImage after = render(scene, view);
   QVERIFY(!inked(after, view, 5, 1, 2) && !inked(after, view, 5, 4, 2));
   QVERIFY(inked(after, view, 5, 2.5) && inked(after, view, 9, 10));
