@@ -24,7 +24,9 @@ class QPropertyAnimation;
 // request to its window, and when its owner is destroyed; once closed it tells closed() and,
 // with kDeleteSelf, deletes itself from the event loop. A balloon can be shown again after it
 // closed (without kDeleteSelf); showing it while shown replaces what it shows (the replaced
-// balloon tells closed() but is not deleted). Deleting a balloon while it shows is safe.
+// balloon tells closed() but is not deleted). Unless kNoHideAnimation, closing fades the window
+// out first and closed() comes once it is hidden; a close request hides it at once. Deleting a
+// balloon while it shows is safe.
 class hostUiBalloonToolTip : public QWidget {
   Q_OBJECT
 
