@@ -4,6 +4,7 @@
 // the module's unloading taking every piece back.
 
 #include <QMenu>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <fstream>
@@ -96,6 +97,7 @@ class StatusButtonTest : public QObject {
     QTest::mouseClick(button(), Qt::LeftButton);
     QCOMPARE(ran(d, "CHECKSTANDARDS"), 1);
 
+    d.window->setGeometry(0, 0, 800, 760);  // on the offscreen screen whole, for the picture
     // Mode 2: the balloon at the button, its link opens the check; here the layer comes from
     // a script.
     stSettingsStorage()->setNotificationMode(2);
@@ -111,6 +113,8 @@ class StatusButtonTest : public QObject {
     QCOMPARE(button()->balloon()->linkText(), QString("Run Check Standards"));
     QVERIFY(button()->balloon()->content().startsWith("A standards violation has occured."));
     QVERIFY(button()->balloon()->timerRunning());
+    QGuiApplication::primaryScreen()->grabWindow(0).save(
+        "/tmp/staudit-qt-shots/stdesk-balloon.png");
     QTest::mouseClick(balloon, Qt::LeftButton, {}, button()->balloon()->linkRect().center());
     QTRY_VERIFY(!button()->balloon());
     QCOMPARE(ran(d, "CHECKSTANDARDS"), 2);
