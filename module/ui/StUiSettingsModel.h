@@ -34,9 +34,9 @@ class StUiSettingsModel {
     OdString path;
   };
 
-  // Reads everything the dialog opens with from `storage` (not owned; null reads the
-  // storage's defaults and makes apply() write nothing), and lists the standards files of the
-  // host's current drawing.
+  // Reads everything the dialog opens with from `storage` (not owned; null leaves every
+  // value unset and makes apply() write nothing), and lists the standards files of the
+  // host's current drawing (none when the drawing has no check manager).
   explicit StUiSettingsModel(st::StSettingsStorage* storage);
   // The same with the parts given: `noneText` is item 0's text, `drawingFiles` the standards
   // files of the current drawing in its order, or null when no drawing is open.
