@@ -46,6 +46,15 @@ void closeBalloons() {
   QCoreApplication::processEvents();
 }
 
+// Once the Check Standards dialog shows, closes it as a user does, confirming that the check
+// stops, so that the drawing is watched again.
+void closeCheckWhenShown() {
+  qthosttest::whenShown("Check Standards", [](QWidget* w) {
+    desktoptest::clickWhenShows("Checking Not Finished.", "OK");
+    buttonOf(w, "Close")->click();
+  });
+}
+
 // The menu action of the button that runs `command`.
 QAction* menuItem(QMenu& menu, int command) {
   for (QAction* action : menu.actions())
@@ -94,6 +103,7 @@ class StatusButtonTest : public QObject {
     QCOMPARE(button()->logic().iconId(), 116);
     QVERIFY(!button()->balloon());
     QCOMPARE(button()->tooltipText(), QString("New standards violation"));
+    closeCheckWhenShown();
     QTest::mouseClick(button(), Qt::LeftButton);
     QCOMPARE(ran(d, "CHECKSTANDARDS"), 1);
 
@@ -115,6 +125,7 @@ class StatusButtonTest : public QObject {
     QVERIFY(button()->balloon()->timerRunning());
     QGuiApplication::primaryScreen()->grabWindow(0).save(
         "/tmp/staudit-qt-shots/stdesk-balloon.png");
+    closeCheckWhenShown();
     QTest::mouseClick(balloon, Qt::LeftButton, {}, button()->balloon()->linkRect().center());
     QTRY_VERIFY(!button()->balloon());
     QCOMPARE(ran(d, "CHECKSTANDARDS"), 2);
@@ -132,6 +143,7 @@ class StatusButtonTest : public QObject {
     qthosttest::whenShown("Standards Audit", [](QWidget* w) {
       buttonOf(w, "Choose a standard object to replace this once")->click();
     });
+    closeCheckWhenShown();
     d.type("-LAYER NEW Asked");
     QTRY_COMPARE(ran(d, "CHECKSTANDARDS"), 3);
     QVERIFY(!button()->balloon());
@@ -195,6 +207,7 @@ class StatusButtonTest : public QObject {
     button()->runMenuCommand(StUiStandardsAuditButton::kMenuEnableNotifications);
     QCOMPARE(stSettingsStorage()->getNotificationMode(), 2);
 
+    closeCheckWhenShown();
     button()->runMenuCommand(StUiStandardsAuditButton::kMenuCheckStandards);
     button()->runMenuCommand(StUiStandardsAuditButton::kMenuConfigureStandards);
     QCOMPARE(ran(d, "CHECKSTANDARDS"), 1);
