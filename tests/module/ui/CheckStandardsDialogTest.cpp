@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTreeWidget>
 
 #include "DesktopTestSupport.h"
@@ -75,6 +76,16 @@ struct CompletionMessages {
   }
 };
 
+// The problems of stcheck's text report in its order: "problem NAME" or "ignored by USER NAME".
+QStringList problemsOf(const std::string& report) {
+  static const QRegularExpression line("^    (problem|ignored by \\S+)  (\\S+) \\[");
+  QStringList found;
+  for (const QString& text : QString::fromStdString(report).split('\n'))
+    if (QRegularExpressionMatch m = line.match(text); m.hasMatch())
+      found << m.captured(1) + " " + m.captured(2);
+  return found;
+}
+
 }  // namespace
 
 class CheckStandardsDialogTest : public QObject {
@@ -140,7 +151,8 @@ class CheckStandardsDialogTest : public QObject {
   }
 
   // A drawing checked against itself has no problem: the counts come before the dialog shows,
-  // which then waits with its controls off; Next checks again; Help asks for the dialog's page.
+  // which then waits with its controls off; Next checks again; the controls in Tab order;
+  // Settings... opens the settings; Help asks for the dialog's page.
   void cleanDrawingTellsTheCountsFirstAndNextChecksAgain() {
     Desktop d(config);
     testsupport::TempDir noHelp;
@@ -155,6 +167,21 @@ class CheckStandardsDialogTest : public QObject {
                                         dialog->previewList(), dialog->ignoreBox()})
         QVERIFY(!w->isEnabled());
       QTest::keyClick(dialog, Qt::Key_Return);  // Enter is Next
+      QStringList order;
+      for (QWidget* w = dialog->problemBox(); w != dialog->helpButton(); w = w->nextInFocusChain())
+        if (auto* button = qobject_cast<QAbstractButton*>(w))
+          order << button->text();
+        else if (qobject_cast<QTreeWidget*>(w))
+          order << w->objectName();
+      QCOMPARE(order.join('|'), QString("replacements|preview|Mark this problem as ignored|Fix|"
+                                        "Next |Settings...|Zoom to|Close"));
+      QString settings;
+      qthosttest::whenShown("Standards Settings", [&](QWidget* w) {
+        settings = w->metaObject()->className();
+        desktoptest::buttonOf(w, "Cancel")->click();
+      });
+      QTest::mouseClick(dialog->settingsButton(), Qt::LeftButton);
+      QCOMPARE(settings, QString("stui::StUiSettingsDlg"));
       QTest::mouseClick(dialog->helpButton(), Qt::LeftButton);
       QTest::mouseClick(dialog->closeButton(), Qt::LeftButton);  // complete: no question
       QCOMPARE(dialog->result(), Dialog::kClosed);
@@ -237,6 +264,8 @@ class CheckStandardsDialogTest : public QObject {
       Desktop d(config);
       QVERIFY(openPlan(d));
       stSettingsStorage()->setShowIgnoredProblems(true);
+      const OdDbObjectId style =
+          st::getRecord(d.app->currentDatabase()->getTextStyleTableId(), L"Notes-Arial");
       CompletionMessages messages;
       check(d, [&](Dialog* dialog) {
         QStringList seen;
@@ -257,17 +286,22 @@ class CheckStandardsDialogTest : public QObject {
             const QString by = "Ignored by: " + toQString(login);
             QTest::mouseClick(box, Qt::LeftButton);
             QCOMPARE(dialog->statusLine()->text(), by);
+            QVERIFY(st::hasObjectIgnoredMark(style));
             QTest::mouseClick(box, Qt::LeftButton);
             QVERIFY(dialog->statusLine()->text().isEmpty());
+            QVERIFY(!st::hasObjectIgnoredMark(style));
             QTest::mouseClick(box, Qt::LeftButton);
             QCOMPARE(dialog->statusLine()->text(), by);
           }
           QTest::mouseClick(dialog->nextButton(), Qt::LeftButton);
         }
         QCOMPARE(dialog->problemBox()->toPlainText(), QString("Choose Next to check this drawing"));
-        seen.sort();
-        QCOMPARE(seen.join(' '), QString("A-ANNO-TEXT A-WALL Dashdot2 Furniture HIDDEN My-Dims "
-                                         "Notes-Arial Office-Dim Office-Notes Ébauche"));
+        QCOMPARE(seen.join(' '), QString("Office-Dim My-Dims A-WALL Furniture A-ANNO-TEXT Ébauche "
+                                         "HIDDEN Dashdot2 Office-Notes Notes-Arial"));
+        // Next starts again from the first plug-in, with what is left.
+        QTest::mouseClick(dialog->nextButton(), Qt::LeftButton);
+        QVERIFY(dialog->problemBox()->toPlainText().contains("\"My-Dims\""));
+        clickWhenShows("Checking Not Finished.", "OK");
         QTest::mouseClick(dialog->closeButton(), Qt::LeftButton);
       });
       QCOMPARE(messages.texts, QStringList({"The standards check is complete.\nProblems found: 10\n"
@@ -285,11 +319,11 @@ class CheckStandardsDialogTest : public QObject {
     auto left = testsupport::runStcheckIn(dir.path(), fresh, {"check", "floor-plan.dxf"});
     auto all =
         testsupport::runStcheckIn(dir.path(), fresh, {"check", "floor-plan.dxf", "--show-ignored"});
-    QVERIFY2(left.output.find("Furniture") != std::string::npos, left.output.c_str());
-    QVERIFY2(left.output.find("A-WALL") == std::string::npos, left.output.c_str());
-    QVERIFY2(left.output.find("Notes-Arial") == std::string::npos, left.output.c_str());
-    QVERIFY2(all.output.find("Notes-Arial") != std::string::npos, all.output.c_str());
-    QVERIFY2(all.output.find(login.toUtf8()) != std::string::npos, all.output.c_str());
+    QCOMPARE(problemsOf(left.output),
+             QStringList({"problem My-Dims", "problem Furniture", "problem Dashdot2"}));
+    QCOMPARE(problemsOf(all.output),
+             QStringList({"problem My-Dims", "problem Furniture", "ignored by alice Ébauche",
+                          "problem Dashdot2", "ignored by " + toQString(login) + " Notes-Arial"}));
   }
 };
 
