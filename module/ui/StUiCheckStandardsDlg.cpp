@@ -250,7 +250,7 @@ void StUiCheckStandardsDlg::errorFound(st::StDWSPlugin* plugin, st::StError* err
 
   OdArray<st::StFixPtr> fixes;
   int recommended = -1;
-  plugin_->getAllFixes(error, fixes, recommended);
+  plugin_->getAllFixes(error_.get(), fixes, recommended);
   st::StSettingsStorage* settings = stSettingsStorage();
   const OdString preferred =
       settings && settings->hasPreferredFile() ? settings->getPreferredFile() : OdString();
@@ -367,7 +367,7 @@ void StUiCheckStandardsDlg::onIgnoreClicked(bool checked) {
 
 void StUiCheckStandardsDlg::showIgnoredBy() {
   status_->setText(
-      fillFirst(stringOf(kStrIgnoredBy), toQString(st::getObjectIgnoredBy(error_->objectId()))));
+      toQString(stFormatString(kStrIgnoredBy, st::getObjectIgnoredBy(error_->objectId()))));
 }
 
 void StUiCheckStandardsDlg::checkFinished() {
