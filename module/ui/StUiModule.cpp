@@ -11,6 +11,7 @@
 #include "StDialogs.h"
 #include "StManagerCache.h"
 #include "StManagerImpl.h"
+#include "StUiErrorReportDlg.h"
 #include "StUiSettingsDlg.h"
 #include "StUiStandardsAuditButton.h"
 
@@ -63,7 +64,12 @@ StUiStandardsAuditButton* StUiModule::button() {
 void StUiModule::initApp() {
   if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
     throw OdError(eNotInitializedYet, "the standards user interface needs a desktop host");
-  st::stSetDialogs(st::StDialogs{});
+  st::StDialogs dialogs;
+  dialogs.errorReport = [](st::StManager* manager, const st::StErrorAccumulatorImpl& found) {
+    StUiErrorReportDlg dialog(manager, found);
+    return dialog.runModal();
+  };
+  st::stSetDialogs(dialogs);
   if (HostQtStatusBar* bar = qtStatusBar()) {
     g_button = new StUiStandardsAuditButton;
     if (!bar->addModuleWidget(g_button)) {
