@@ -5,9 +5,11 @@
 
 #include <QPushButton>
 #include <QTreeWidget>
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <sstream>
+#include <vector>
 
 #include "DesktopTestSupport.h"
 #include "HostDocument.h"
@@ -48,7 +50,7 @@ int litPixels(HostDrawingView* view) {
   return count;
 }
 
-OdDbObjectId recordOf(OdDbDatabase* db, const OdDbObjectId& table, const OdString& name) {
+OdDbObjectId recordOf(const OdDbObjectId& table, const OdString& name) {
   OdDbSymbolTablePtr records = table.safeOpenObject();
   return records->getAt(name);
 }
@@ -123,23 +125,28 @@ class ErrorReportDialogTest : public QObject {
     QVERIFY(report->fixButton()->isEnabled());
     QCOMPARE(report->closeButton()->text(), QString("Cancel"));
 
-    // The layer at fault lights its entities in the view; Zoom to comes in, the dialog stays.
+    // The layer at fault lights its entities in the view, taking the selection over from the
+    // other list; Zoom to comes in, and the dialog stays.
     QCOMPARE(litPixels(view), 0);
+    QTreeWidgetItem* fixedRow = fixed->topLevelItem(0);
+    QTest::mouseClick(fixed->viewport(), Qt::LeftButton, {},
+                      fixed->visualItemRect(fixedRow).center());
+    QVERIFY(fixedRow->isSelected());
     QTreeWidgetItem* layer = unfixed->topLevelItem(2);
     QTest::mouseClick(unfixed->viewport(), Qt::LeftButton, {},
                       unfixed->visualItemRect(layer).center());
-    QVERIFY(layer->isSelected());
+    QVERIFY(layer->isSelected() && !fixedRow->isSelected());
     QVERIFY(litPixels(view) > 0);
     const double scale = view->transform().scale;
     QVERIFY(report->zoomButton()->isEnabled());
     QTest::mouseClick(report->zoomButton(), Qt::LeftButton);
     QVERIFY(view->transform().scale > scale);
     QVERIFY(report->isVisible());
-    // A row of the other list takes the selection over.
-    QTest::mouseClick(fixed->viewport(), Qt::LeftButton, {},
-                      fixed->visualItemRect(fixed->topLevelItem(0)).center());
-    QVERIFY(!layer->isSelected());
     QVERIFY(report->grab().save("/tmp/staudit-qt-shots/report-dialog.png"));
+    // A taller window gives both lists the room.
+    const int unfixedHeight = unfixed->height(), fixedHeight = fixed->height();
+    report->resize(report->width(), report->height() + 100);
+    QVERIFY(unfixed->height() > unfixedHeight && fixed->height() > fixedHeight);
   }
 
  private slots:
@@ -170,12 +177,14 @@ class ErrorReportDialogTest : public QObject {
     HostDrawingView* view = d.window->viewOf(d.app->documents().curDocument());
     QVERIFY(view);
     bool reported = false, checkOpened = false;
+    int litAfterReport = -1;
     whenShown(kReport, [&](QWidget* window) {
       auto* report = qobject_cast<StUiErrorReportDlg*>(window);
       reported = report != nullptr;
       if (report) readReport(report, view);
       whenShown("Check Standards", [&](QWidget* check) {
         checkOpened = true;
+        litAfterReport = litPixels(view);
         check->close();
       });
       QTest::mouseClick(desktoptest::buttonOf(window, "Fix errors"), Qt::LeftButton);
@@ -183,7 +192,7 @@ class ErrorReportDialogTest : public QObject {
     d.type("SAVE");
     QVERIFY2(reported, d.transcript().c_str());
     QTRY_VERIFY(checkOpened);
-    QCOMPARE(litPixels(view), 0);
+    QCOMPARE(litAfterReport, 0);
   }
 
   // A drawing that follows its standard shows nothing on SAVE; once a layer is off the
@@ -222,9 +231,8 @@ class ErrorReportDialogTest : public QObject {
     QCOMPARE(seen[0].second, QString("Close"));
   }
 
-  // Errors reported A, B, C read C, B, A; Escape and the close box end the report as Close
-  // does, Tab goes from list to list to the buttons, and a host without a view of the
-  // errors' drawing changes nothing.
+  // Errors reported A, B, C read C, B, A; Tab goes from list to list to the buttons; Escape
+  // and the close box end the report as Close does (not as "Fix errors").
   void rowOrderAndKeys() {
     Desktop d(config);
     st::StErrorAccumulatorImpl found;
@@ -292,7 +300,7 @@ for kind, table in (('LAYER', doc.layers), ('LTYPE', doc.linetypes), ('STYLE', d
       std::getline(fields, name, '\t');
       std::vector<std::string> expected;
       while (std::getline(fields, handle, '\t')) expected.push_back(handle);
-      const OdDbObjectId id = recordOf(db, tables.at(kind), OdString::fromUtf8(name));
+      const OdDbObjectId id = recordOf(tables.at(kind), OdString::fromUtf8(name));
       QVERIFY2(!id.isNull(), line.c_str());
       std::vector<std::string> found;
       for (const OdDbObjectId& user : stui::stObjectUsers(id))
@@ -304,11 +312,27 @@ for kind, table in (('LAYER', doc.layers), ('LTYPE', doc.linetypes), ('STYLE', d
     }
     QVERIFY(records >= 20 && used >= 12);  // the oracle saw the example, not an empty file
 
-    QVERIFY(stui::stObjectUsers(OdDbObjectId()).isEmpty());
-    const OdDbObjectId sketch = recordOf(db, db->getLayerTableId(), OdString(L"Ébauche"));
+    // A layer made in the session, dashed, with every entity moved onto it: all of them use
+    // it, and DASHED by layer too, but for the one drawn in HIDDEN by name.
+    const OdDbObjectId sketch = recordOf(db->getLayerTableId(), OdString(L"Ébauche"));
     QVERIFY(!stui::stObjectUsers(sketch).isEmpty());
-    sketch.safeOpenObject(OdDb::kForWrite)->erase();
+    for (const char* line : {"-LAYER NEW Kitchen", "-LAYER LTYPE dashed Kitchen", "SELECT ALL",
+                             "CHANGE LAYER Kitchen"})
+      d.type(line);
+    const auto all = d.app->documents().curDocument()->selection().size();
+    QVERIFY2(all > 70, d.transcript().c_str());
+    QCOMPARE(stui::stObjectUsers(recordOf(db->getLayerTableId(), OdString(L"KITCHEN"))).size(),
+             all);
+    QCOMPARE(stui::stObjectUsers(recordOf(db->getLinetypeTableId(), OdString(L"DASHED"))).size(),
+             all - 1);
     QVERIFY(stui::stObjectUsers(sketch).isEmpty());
+
+    // Nothing for an erased record or a null id.
+    QVERIFY(stui::stObjectUsers(OdDbObjectId()).isEmpty());
+    const OdDbObjectId hidden = recordOf(db->getLinetypeTableId(), OdString(L"HIDDEN"));
+    QCOMPARE(stui::stObjectUsers(hidden).size(), 1u);
+    hidden.safeOpenObject(OdDb::kForWrite)->erase();
+    QVERIFY(stui::stObjectUsers(hidden).isEmpty());
   }
 };
 
