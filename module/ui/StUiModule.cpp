@@ -12,6 +12,7 @@
 #include "StManagerCache.h"
 #include "StManagerImpl.h"
 #include "StUiCheckStandardsDlg.h"
+#include "StUiErrorReportDlg.h"
 #include "StUiSettingsDlg.h"
 #include "StUiStandardsAuditButton.h"
 
@@ -67,6 +68,10 @@ void StUiModule::initApp() {
   st::StDialogs dialogs;
   dialogs.checkStandards = [](st::StManager* manager) {
     StUiCheckStandardsDlg dialog(manager);
+    return dialog.runModal();
+  };
+  dialogs.errorReport = [](st::StManager* manager, const st::StErrorAccumulatorImpl& found) {
+    StUiErrorReportDlg dialog(manager, found);
     return dialog.runModal();
   };
   st::stSetDialogs(dialogs);

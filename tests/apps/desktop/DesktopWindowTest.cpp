@@ -304,19 +304,29 @@ class DesktopWindowTest : public QObject {
     Desktop d(config);
     d.window->sendWithPath("OPEN", QString::fromStdString(plan.string()));
     stSettingsStorage()->setAutoFixCommands(st::kStCheckOnSave);
+    // The check's report shows while the file on disk is still the one opened.
+    fs::file_time_type before = fs::last_write_time(plan);
+    int reports = 0;
+    bool diskUntouched = false;
+    const auto closeReport = [&] {
+      qthosttest::whenShown("Standard Errors found", [&](QWidget* window) {
+        ++reports;
+        diskUntouched = fs::last_write_time(plan) == before;
+        desktoptest::buttonOf(window, "Cancel")->click();
+      });
+    };
+    closeReport();
     d.type("SAVE");
-    const std::string out = d.transcript();
-    const auto check = out.find("standards check:");
-    QVERIFY2(check != std::string::npos, out.c_str());
-    QVERIFY2(out.find("Command: SAVE") < check, out.c_str());
+    QVERIFY2(reports == 1 && diskUntouched, d.transcript().c_str());
+    QVERIFY(fs::last_write_time(plan) != before);
 
     // So does the save that closing a changed drawing offers.
     d.type("-LAYER NEW Kitchen");
+    before = fs::last_write_time(plan);
     clickWhenShows("Close", "Yes");
+    closeReport();
     d.type("CLOSE");
-    const std::string closed = d.transcript();
-    QVERIFY2(closed.find("standards check:", closed.find("Command: CLOSE")) != std::string::npos,
-             closed.c_str());
+    QVERIFY2(reports == 2 && diskUntouched, d.transcript().c_str());
     QCOMPARE(d.app->documents().documentCount(), 0);
     QVERIFY(testsupport::ezdxf("print(ezdxf.readfile(path).layers.has_entry('Kitchen'))", plan)
                 .output == "True\n");
