@@ -3,6 +3,7 @@
 // errors" opening the check, the quiet and the all-fixed runs, the order of the rows and the
 // keys; and the entities stObjectUsers finds, against what ezdxf finds in the same file.
 
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTreeWidget>
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "DesktopTestSupport.h"
+#include "DrawingBuilders.h"
 #include "HostDocument.h"
 #include "HostDrawingView.h"
 #include "OdDbSymbolTable.h"
@@ -169,27 +171,24 @@ class ErrorReportDialogTest : public QObject {
     QVERIFY(view);
     bool reported = false, checkOpened = false;
     QString problem;
-    int litAfterReport = -1;
     whenShown(kReport, [&](QWidget* window) {
       auto* report = qobject_cast<StUiErrorReportDlg*>(window);
       reported = report != nullptr;
       if (report) readReport(report, view);
-      whenShown("Check Standards", [&](QWidget* window) {
+      whenShown("Check Standards", [&](QWidget* shown) {
         // At the first problem the silent check left unfixed.
-        auto* check = qobject_cast<stui::StUiCheckStandardsDlg*>(window);
+        auto* check = qobject_cast<stui::StUiCheckStandardsDlg*>(shown);
         checkOpened = check && !check->problemBox()->toPlainText().isEmpty() &&
                       check->fixList()->topLevelItemCount() > 0;
         if (check) problem = check->problemBox()->toPlainText();
-        litAfterReport = litPixels(view);
         desktoptest::clickWhenShows("Checking Not Finished.", "OK");
-        window->close();
+        shown->close();
       });
       QTest::mouseClick(desktoptest::buttonOf(window, "Fix errors"), Qt::LeftButton);
     });
     d.type("SAVE");
     QVERIFY2(reported, d.transcript().c_str());
     QTRY_VERIFY2(checkOpened, qPrintable(problem));
-    QCOMPARE(litAfterReport, 0);
   }
 
   // A drawing that follows its standard shows nothing on SAVE; once a layer is off the
@@ -201,25 +200,40 @@ class ErrorReportDialogTest : public QObject {
       st::StDbReaderWriterPtr list = st::StDbReaderWriter::createObject();
       QVERIFY(list->setDatabase(db.get()));
       list->writeStandardFiles(OdArray<OdString>{OdString(L"office-standards.dws")});
+      // A big text on the layer that will be off the standard, for the view to light.
+      OdDbTextPtr text =
+          testsupport::addText(*db, L"A-WALL", L"WALL").safeOpenObject(OdDb::kForWrite);
+      text->setHeight(10);
       db->writeFile(tidy);
     }
     Desktop d(config);
-    // Each report as "unfixed rows, fixed rows, whether Fix errors is enabled, second button".
+    // Each report as "unfixed rows, fixed rows, whether Fix errors is enabled, second button";
+    // a fixed row lights its layer's entities until the report closes.
     QStringList seen;
+    HostDrawingView* view = nullptr;
+    int lit = 0;
     ReportWatch watch([&](StUiErrorReportDlg* report) {
       seen << QString("%1 %2 %3 %4")
                   .arg(report->unfixedList()->topLevelItemCount())
                   .arg(report->fixedList()->topLevelItemCount())
                   .arg(report->fixButton()->isEnabled() ? "enabled" : "disabled")
                   .arg(report->closeButton()->text());
+      QTreeWidget* fixed = report->fixedList();
+      if (fixed->topLevelItemCount() > 0)
+        QTest::mouseClick(fixed->viewport(), Qt::LeftButton, {},
+                          fixed->visualItemRect(fixed->topLevelItem(0)).center());
+      lit = litPixels(view);
       QTest::mouseClick(report->closeButton(), Qt::LeftButton);
     });
     open(d, tidy);
+    view = d.window->viewOf(d.app->documents().curDocument());
     d.type("SAVE");
     QCOMPARE(seen, QStringList());
     d.type("-LAYER COLOR 1 A-WALL");
     d.type("SAVE");
     QCOMPARE(seen, QStringList({"0 1 disabled Close"}));
+    QVERIFY(lit > 0);
+    QCOMPARE(litPixels(view), 0);
   }
 
   // Errors reported A, B, C read C, B, A; Tab goes from list to list to the buttons; Escape
