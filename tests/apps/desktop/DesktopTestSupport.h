@@ -69,6 +69,26 @@ struct Desktop {
   std::unique_ptr<DesktopWindow> window;
 };
 
+// What a test class of the desktop derives from: a temporary folder with a fresh copy of the
+// bundled example for each test (the floor plan with its two standards files), and the place
+// of the host's configuration file.
+struct ExampleFolder {
+  testsupport::TempDir dir;
+  const std::filesystem::path plan = dir.path() / "floor-plan.dxf";
+  const std::filesystem::path office = dir.path() / "office-standards.dws";
+  const std::filesystem::path site = dir.path() / "site-standards.dws";
+  const std::filesystem::path config = dir.path() / "config" / "standards-audit.json";
+
+  // Empties the folder and writes the example again; empty, or what the example's maker said
+  // when it failed.
+  std::string rewriteExample() {
+    for (const auto& entry : std::filesystem::directory_iterator(dir.path()))
+      std::filesystem::remove_all(entry.path());
+    const auto made = testsupport::makeExamples(dir.path());
+    return made.exitCode == 0 ? std::string() : made.output + " ";
+  }
+};
+
 // The button of a modal window, by its text without '&'; null when there is none.
 inline QAbstractButton* buttonOf(QWidget* window, const QString& text) {
   for (QAbstractButton* b : window->findChildren<QAbstractButton*>())

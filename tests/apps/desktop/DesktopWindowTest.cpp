@@ -51,21 +51,14 @@ struct NewViolations : st::StManagerReactor {
 };
 }  // namespace
 
-class DesktopWindowTest : public QObject {
+class DesktopWindowTest : public QObject, desktoptest::ExampleFolder {
   Q_OBJECT
 
  private:
-  testsupport::TempDir dir;
-  fs::path plan;
-  fs::path config;
-
  private slots:
   void init() {
-    for (const auto& entry : fs::directory_iterator(dir.path())) fs::remove_all(entry.path());
-    auto made = testsupport::makeExamples(dir.path());
-    QVERIFY2(made.exitCode == 0, made.output.c_str());
-    plan = dir.path() / "floor-plan.dxf";
-    config = dir.path() / "config" / "standards-audit.json";
+    const std::string error = rewriteExample();
+    QVERIFY2(error.empty(), error.c_str());
   }
 
   // Open, every -LAYER form, CHANGE and SAVE through the command paths the menus use; ezdxf

@@ -87,13 +87,10 @@ QStringList problemsOf(const std::string& report) {
 
 }  // namespace
 
-class CheckStandardsDialogTest : public QObject {
+class CheckStandardsDialogTest : public QObject, desktoptest::ExampleFolder {
   Q_OBJECT
 
  private:
-  testsupport::TempDir dir;
-  fs::path plan, config;
-
   st::StManager* openPlan(Desktop& d) {
     d.window->sendWithPath("OPEN", QString::fromStdString(plan.string()));
     OdDbDatabase* db = d.app->currentDatabase();
@@ -116,11 +113,8 @@ class CheckStandardsDialogTest : public QObject {
 
  private slots:
   void init() {
-    for (const auto& entry : fs::directory_iterator(dir.path())) fs::remove_all(entry.path());
-    auto made = testsupport::makeExamples(dir.path());
-    QVERIFY2(made.exitCode == 0, made.output.c_str());
-    plan = dir.path() / "floor-plan.dxf";
-    config = dir.path() / "config" / "standards-audit.json";
+    const std::string error = rewriteExample();
+    QVERIFY2(error.empty(), error.c_str());
   }
 
   // Rows by standards file, then by name, case ignored both times; the plug-in's
@@ -197,8 +191,8 @@ class CheckStandardsDialogTest : public QObject {
   // and the rows go by file name whatever its case. The view lights the layer's entities.
   // Closing half way asks: Cancel keeps the problem, OK resets the check.
   void preferredFileLayerProblemAndClosingHalfWay() {
-    fs::rename(dir.path() / "site-standards.dws", dir.path() / "Site-Standards.dws");
-    const fs::path site = dir.path() / "Site-Standards.dws";
+    const fs::path renamed = dir.path() / "Site-Standards.dws";
+    fs::rename(site, renamed);
     Desktop d(config);
     std::vector<std::pair<unsigned, bool>> lit;  // (how many, zoom) per call
     d.front.setHighlightHandler([&](HostDocument* doc, const OdDbObjectIdArray& ids, bool zoom) {
@@ -208,9 +202,8 @@ class CheckStandardsDialogTest : public QObject {
     st::StManager* manager = openPlan(d);
     QVERIFY(manager);
     // The site file first, so that the plug-in's own order is not the one shown.
-    QVERIFY(manager->setStandardsFiles(d.app->currentDatabase(),
-                                       {od(site), od(dir.path() / "office-standards.dws")}));
-    stSettingsStorage()->setPreferredFile(od(site));
+    QVERIFY(manager->setStandardsFiles(d.app->currentDatabase(), {od(renamed), od(office)}));
+    stSettingsStorage()->setPreferredFile(od(renamed));
     d.window->setGeometry(0, 0, 900, 700);
     fs::create_directories("/tmp/staudit-qt-shots");
     check(d, [&](Dialog* dialog) {

@@ -83,14 +83,10 @@ class ReportWatch : public QObject {
 
 }  // namespace
 
-class ErrorReportDialogTest : public QObject {
+class ErrorReportDialogTest : public QObject, desktoptest::ExampleFolder {
   Q_OBJECT
 
  private:
-  testsupport::TempDir dir;
-  fs::path plan;
-  fs::path config;
-
   void open(Desktop& d, const fs::path& drawing) {
     d.window->sendWithPath("OPEN", QString::fromStdString(drawing.string()));
     stSettingsStorage()->setAutoFixCommands(st::kStCheckOnSave);
@@ -155,11 +151,8 @@ class ErrorReportDialogTest : public QObject {
   void initTestCase() { fs::create_directories("/tmp/staudit-qt-shots"); }
 
   void init() {
-    for (const auto& entry : fs::directory_iterator(dir.path())) fs::remove_all(entry.path());
-    auto made = testsupport::makeExamples(dir.path());
-    QVERIFY2(made.exitCode == 0, made.output.c_str());
-    plan = dir.path() / "floor-plan.dxf";
-    config = dir.path() / "config" / "standards-audit.json";
+    const std::string error = rewriteExample();
+    QVERIFY2(error.empty(), error.c_str());
   }
 
   // SAVE with "Save" checked shows what the silent check found; a row lights its object's

@@ -78,13 +78,10 @@ struct OddModeSettings : st::StSettingsStorage {
 
 }  // namespace
 
-class SettingsDialogTest : public QObject {
+class SettingsDialogTest : public QObject, desktoptest::ExampleFolder {
   Q_OBJECT
 
  private:
-  testsupport::TempDir dir;
-  fs::path plan, office, site, config;
-
   // Opens the floor plan with `files` as its standards files.
   void openPlanWith(Desktop& d, const OdArray<OdString>& files) {
     d.window->sendWithPath("OPEN", QString::fromStdString(plan.string()));
@@ -101,13 +98,8 @@ class SettingsDialogTest : public QObject {
 
  private slots:
   void init() {
-    for (const auto& entry : fs::directory_iterator(dir.path())) fs::remove_all(entry.path());
-    auto made = testsupport::makeExamples(dir.path());
-    QVERIFY2(made.exitCode == 0, made.output.c_str());
-    plan = dir.path() / "floor-plan.dxf";
-    office = dir.path() / "office-standards.dws";
-    site = dir.path() / "site-standards.dws";
-    config = dir.path() / "config" / "standards-audit.json";
+    const std::string error = rewriteExample();
+    QVERIFY2(error.empty(), error.c_str());
   }
 
   // Without a drawing: the stored values show; an unknown preferred file is the extra item,

@@ -64,25 +64,18 @@ QAction* menuItem(QMenu& menu, int command) {
 
 }  // namespace
 
-class StatusButtonTest : public QObject {
+class StatusButtonTest : public QObject, desktoptest::ExampleFolder {
   Q_OBJECT
 
  private:
-  testsupport::TempDir dir;
-  fs::path plan;
-  fs::path config;
-
   void open(Desktop& d, const fs::path& drawing) {
     d.window->sendWithPath("OPEN", QString::fromStdString(drawing.string()));
   }
 
  private slots:
   void init() {
-    for (const auto& entry : fs::directory_iterator(dir.path())) fs::remove_all(entry.path());
-    auto made = testsupport::makeExamples(dir.path());
-    QVERIFY2(made.exitCode == 0, made.output.c_str());
-    plan = dir.path() / "floor-plan.dxf";
-    config = dir.path() / "config" / "standards-audit.json";
+    const std::string error = rewriteExample();
+    QVERIFY2(error.empty(), error.c_str());
   }
 
   // A layer the standards lack, made on the command line, under each notification mode.
