@@ -13,6 +13,7 @@
 #include "DesktopTestSupport.h"
 #include "HostDocument.h"
 #include "StAppServices.h"
+#include "StDialogs.h"
 #include "StSettingsStorage.h"
 #include "StUiModule.h"
 #include "StUiStandardsAuditButton.h"
@@ -231,6 +232,7 @@ class StatusButtonTest : public QObject, desktoptest::ExampleFolder {
     QVERIFY(button());
     QVERIFY(d.app->unloadModule(L"StandardsAuditUi"));
     QVERIFY(!button());
+    QVERIFY(!st::stDialogs().checkStandards && !st::stDialogs().errorReport);
     QVERIFY(!d.window->statusBar()->findChild<StUiStandardsAuditButton*>());
     stSettingsStorage()->setNotificationMode(2);
     d.type("-LAYER NEW AfterUnload");
