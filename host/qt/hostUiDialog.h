@@ -28,8 +28,9 @@ class hostUiDialog : public QDialog {
   void setHelpKey(const QString& key) { helpKey_ = key; }
   void setCaption(const QString& caption) { setWindowTitle(caption); }
 
-  // Shows the dialog modally; returns the result code.
-  int runModal();
+  // Shows the dialog modally; returns the result code. A dialog that must act before it shows
+  // (start its work, say) overrides it and calls this one.
+  virtual int runModal();
 
   // Adds a "Help" button to `box` that calls help().
   QPushButton* addHelpButton(QDialogButtonBox* box);

@@ -47,9 +47,8 @@ class StUiCheckStandardsDlg : public hostUiDialog, public st::StManagerReactor {
   explicit StUiCheckStandardsDlg(st::StManager* manager, QWidget* parent = nullptr);
   ~StUiCheckStandardsDlg() override;
 
-  // Starts the check, then shows the dialog until it is closed; returns kClosed. Hides the
-  // base's runModal, which would not start the check.
-  int runModal();
+  // Starts the check, then shows the dialog until it is closed; returns kClosed.
+  int runModal() override;
 
   // Shows the page of helpKey() through the host's help service.
   void help() override;
