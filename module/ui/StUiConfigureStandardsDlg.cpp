@@ -67,7 +67,7 @@ void StUiConfigureStandardsDlg::build() {
   const QFontMetrics metrics(font());
   resize(423 * metrics.averageCharWidth() / 4, 226 * metrics.height() / 8);
 
-  connect(check_, &QPushButton::clicked, this, &StUiConfigureStandardsDlg::onCheckStandards);
+  connect(check_, &QPushButton::clicked, this, &StUiConfigureStandardsDlg::checkStandards);
   connect(settings_, &QPushButton::clicked, this, [this] {
     StUiSettingsDlg dialog(this);
     dialog.runModal();
@@ -101,7 +101,11 @@ void StUiConfigureStandardsDlg::accept() {
   if (applyPages()) hostUiDialog::accept();
 }
 
-void StUiConfigureStandardsDlg::onCheckStandards() {
+void StUiConfigureStandardsDlg::reject() {
+  done(kCancelled);
+}
+
+void StUiConfigureStandardsDlg::checkStandards() {
   applyPages();
   done(kCheckStandards);
   if (HostServices* host = hostServices()) host->sendCommand(L"CHECKSTANDARDS ");

@@ -24,7 +24,9 @@ class StUiConfigureStandardsDlg : public hostUiDialog, public IStUiConfigureStan
   Q_OBJECT
 
  public:
-  // The code runModal returns after "Check Standards...".
+  // The codes runModal returns: OK gives QDialog::Accepted (1); Cancel, Escape and the close
+  // box kCancelled; "Check Standards..." kCheckStandards.
+  static constexpr int kCancelled = 2;
   static constexpr int kCheckStandards = 1001;
 
   // `parent` null puts the dialog over the host's main window.
@@ -48,11 +50,16 @@ class StUiConfigureStandardsDlg : public hostUiDialog, public IStUiConfigureStan
  public slots:
   // OK: applies both pages and closes as accepted when both succeed.
   void accept() override;
+  // Cancel: closes with kCancelled, writing nothing.
+  void reject() override;
+  // "Check Standards...": applies both pages as OK does, then closes with kCheckStandards and
+  // starts CHECKSTANDARDS even when applying failed. The button is disabled while no file is
+  // listed or no plug-in checked; this runs all the same when called.
+  void checkStandards();
 
  private:
   void build();
   bool applyPages();
-  void onCheckStandards();
 
   OdDbDatabase* db_;
   QTabWidget* tabs_ = nullptr;

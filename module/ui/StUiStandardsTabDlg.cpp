@@ -26,6 +26,7 @@
 #include "StManager.h"
 #include "StManagerCache.h"
 #include "StMessage.h"
+#include "StStandardsPaths.h"
 #include "StStringTable.h"
 #include "StUiIcons.h"
 
@@ -148,10 +149,11 @@ void StUiStandardsTabDlg::showRows(int row) {
     list_->clear();
     st::StFileSystemService* files = st::stFileSystemService();
     for (int i = 0; i < files_.size(); ++i) {
-      const bool exists = files && files->getFileInfo(files_.at(i).path).exists;
+      const OdString place = placeOf(i);
+      const bool exists = files && files->getFileInfo(place).exists;
       auto* item = new QListWidgetItem(stIcon(exists ? kIconPresent : kIconMissing),
                                        toQString(files_.at(i).name), list_);
-      item->setToolTip(toQString(files_.at(i).path));
+      item->setToolTip(toQString(place));
       item->setData(Qt::UserRole, exists);
     }
     list_->setCurrentRow(row);
@@ -175,11 +177,15 @@ void StUiStandardsTabDlg::describe(int row) {
   description_->clear();
   st::StFileSystemService* files = st::stFileSystemService();
   if (row < 0 || row >= files_.size() || !files) return;
-  const st::StFileInfo info = files->getFileInfo(files_.at(row).path);
+  const st::StFileInfo info = files->getFileInfo(placeOf(row));
   QString out = toQString(stLoadString(kStrStandardsFileLabel)) + toQString(info.path) + "\n\n";
   if (info.exists)
     out += toQString(stLoadString(kStrLastModified)) + toQString(info.lastModified) + "\n\n";
   description_->setPlainText(out);
+}
+
+OdString StUiStandardsTabDlg::placeOf(int row) const {
+  return st::StStandardsPaths::resolve(files_.at(row).path, db_);
 }
 
 bool StUiStandardsTabDlg::readable(const OdString& path) {

@@ -20,8 +20,10 @@ class IStUiConfigureStandardsDlg;
 // of the selected file. The list is read from the drawing when the page is built and written
 // only by apply(); what the buttons do to the list is StUiStandardsList's.
 //
-// A file is refused, with one message and the list unchanged, when another listed file has
-// its name (message 105) or when it cannot be read as a drawing (the reader's reason).
+// A row shows, and describes, the file where a check looks for it (a relative path from the
+// drawing's folder); the path is kept as stored. A file is refused, with one message and the list
+// unchanged, when another listed file has its name (message 105) or when it cannot be read as a
+// drawing (the reader's reason).
 class StUiStandardsTabDlg : public QWidget {
   Q_OBJECT
 
@@ -63,6 +65,9 @@ class StUiStandardsTabDlg : public QWidget {
   void showRows(int row);
   void selectionChanged();
   void describe(int row);
+  // Where the file of `row` is found, as a check finds it: a relative path from the drawing's
+  // folder or the host's support folders.
+  OdString placeOf(int row) const;
   void onAdd();
   void onRemove();
   void onMove(bool up);
