@@ -12,6 +12,7 @@
 #include "StManagerCache.h"
 #include "StManagerImpl.h"
 #include "StUiCheckStandardsDlg.h"
+#include "StUiConfigureStandardsDlg.h"
 #include "StUiErrorReportDlg.h"
 #include "StUiSettingsDlg.h"
 #include "StUiStandardsAuditButton.h"
@@ -68,6 +69,11 @@ void StUiModule::initApp() {
   st::StDialogs dialogs;
   dialogs.checkStandards = [](st::StManager* manager) {
     StUiCheckStandardsDlg dialog(manager);
+    return dialog.runModal();
+  };
+  // The dialog works on the current drawing, whose manager the command passes.
+  dialogs.configureStandards = [](st::StManager*) {
+    StUiConfigureStandardsDlg dialog;
     return dialog.runModal();
   };
   dialogs.errorReport = [](st::StManager* manager, const st::StErrorAccumulatorImpl& found) {

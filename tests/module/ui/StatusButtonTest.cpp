@@ -56,6 +56,11 @@ void closeCheckWhenShown() {
   });
 }
 
+// Once the Configure Standards dialog shows, cancels it.
+void cancelConfigureWhenShown() {
+  desktoptest::clickWhenShows("Configure Standards", "Cancel");
+}
+
 // The menu action of the button that runs `command`.
 QAction* menuItem(QMenu& menu, int command) {
   for (QAction* action : menu.actions())
@@ -159,6 +164,7 @@ class StatusButtonTest : public QObject, desktoptest::ExampleFolder {
     QCOMPARE(button()->tooltipText(), QString("Missing standard file(s)"));
     QVERIFY(button()->balloon()->linkText().isEmpty());
     QVERIFY(button()->balloon()->options() & hostUiBalloonToolTip::kCloseButton);
+    cancelConfigureWhenShown();
     QTest::mouseClick(button(), Qt::LeftButton);
     QCOMPARE(ran(d, "STANDARDS"), 1);
     closeBalloons();
@@ -203,6 +209,7 @@ class StatusButtonTest : public QObject, desktoptest::ExampleFolder {
 
     closeCheckWhenShown();
     button()->runMenuCommand(StUiStandardsAuditButton::kMenuCheckStandards);
+    cancelConfigureWhenShown();
     button()->runMenuCommand(StUiStandardsAuditButton::kMenuConfigureStandards);
     QCOMPARE(ran(d, "CHECKSTANDARDS"), 1);
     QCOMPARE(ran(d, "STANDARDS"), 1);
