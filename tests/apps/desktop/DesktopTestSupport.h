@@ -6,6 +6,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDialog>
 #include <QLineEdit>
 #include <QTest>
 #include <QTimer>
@@ -88,6 +89,23 @@ struct ExampleFolder {
     return made.exitCode == 0 ? std::string() : made.output + " ";
   }
 };
+
+// Types `command` and runs `act` on the modal dialog of class Dialog titled `title` once it
+// shows; a dialog `act` leaves open is ended with `endCode` afterwards, so that a failed
+// comparison inside it cannot hang the test. False when no such dialog showed.
+template <class Dialog>
+bool runDialog(Desktop& d, const QString& command, const QString& title, int endCode,
+               const std::function<void(Dialog*)>& act) {
+  bool shown = false;
+  qthosttest::whenShown(title, [&](QWidget* w) {
+    auto* dialog = qobject_cast<Dialog*>(w);
+    shown = dialog != nullptr;
+    if (dialog) act(dialog);
+    if (w->isVisible()) static_cast<QDialog*>(w)->done(endCode);
+  });
+  d.type(command);
+  return shown;
+}
 
 // The button of a modal window, by its text without '&'; null when there is none.
 inline QAbstractButton* buttonOf(QWidget* window, const QString& text) {

@@ -100,15 +100,9 @@ class CheckStandardsDialogTest : public QObject, desktoptest::ExampleFolder {
   // Runs CHECKSTANDARDS and `act` on the dialog once it shows. A dialog `act` leaves open
   // is ended afterwards, so that a failed comparison inside it cannot hang the test.
   void check(Desktop& d, const std::function<void(Dialog*)>& act) {
-    bool shown = false;
-    qthosttest::whenShown("Check Standards", [&](QWidget* w) {
-      auto* dialog = qobject_cast<Dialog*>(w);
-      shown = dialog != nullptr;
-      if (dialog) act(dialog);
-      if (w->isVisible()) static_cast<QDialog*>(w)->done(Dialog::kClosed);
-    });
-    d.type("CHECKSTANDARDS");
-    QVERIFY2(shown, d.transcript().c_str());
+    QVERIFY2(desktoptest::runDialog<Dialog>(d, "CHECKSTANDARDS", "Check Standards", Dialog::kClosed,
+                                            act),
+             d.transcript().c_str());
   }
 
  private slots:

@@ -118,15 +118,9 @@ class ConfigureStandardsDialogTest : public QObject, desktoptest::ExampleFolder 
   // Runs STANDARDS and `act` on the dialog once it shows; a dialog `act` leaves open is
   // cancelled afterwards, so that a failed comparison inside it cannot hang the test.
   void configure(Desktop& d, const std::function<void(Dialog*)>& act) {
-    bool shown = false;
-    qthosttest::whenShown("Configure Standards", [&](QWidget* w) {
-      auto* dialog = qobject_cast<Dialog*>(w);
-      shown = dialog != nullptr;
-      if (dialog) act(dialog);
-      if (w->isVisible()) static_cast<QDialog*>(w)->reject();
-    });
-    d.type("STANDARDS");
-    QVERIFY2(shown, d.transcript().c_str());
+    QVERIFY2(desktoptest::runDialog<Dialog>(d, "STANDARDS", "Configure Standards",
+                                            Dialog::kCancelled, act),
+             d.transcript().c_str());
   }
 
  private slots:
